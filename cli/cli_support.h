@@ -1,0 +1,54 @@
+// What every command of the `vintar` program shares: the message sink that
+// prints to stderr and answers boxes from the --yes/--no policy, the JSON
+// envelope with its "messages" list, and the exit codes (0 success, 1 a
+// reported failure, 2 a usage error).
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+#include "core/messages.h"
+#include "core/session.h"
+
+namespace vintar::cli {
+
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitFailed = 1;
+inline constexpr int kExitUsage = 2;
+
+// Prints each message to stderr (the title, then the text with its line
+// ends as newlines) and keeps it for the JSON output.
+class ConsoleSink : public MessageSink {
+ public:
+  int Show(const std::string& text, int flags, const std::string& title) override;
+  int answer = 0;  // kYes, kNo or 0 for the box's default button
+  bool quiet = false;
+  std::vector<CapturingSink::Entry> messages;
+};
+
+// Global options and the started session, shared by all commands.
+struct Context {
+  bool json = false;
+  bool yes = false;
+  bool no = false;
+  std::string configDir;
+  ConsoleSink sink;
+  Session session{sink};
+
+  void Start();  // StartSession with the options above and today's clock
+  nlohmann::json Messages() const;
+  // Prints `body` (plus "messages") as JSON on stdout when --json is set.
+  void PrintJson(nlohmann::json body) const;
+};
+
+std::string Latin1ToUtf8View(const std::string& latin1);
+// Latin-1 text of the files as a JSON string (JSON is UTF-8).
+inline nlohmann::json J(const std::string& latin1) { return Latin1ToUtf8View(latin1); }
+// Text as given on the command line (UTF-8) to the files' Latin-1.
+std::string FromArg(const std::string& utf8);
+// Latin-1 text for the terminal.
+std::string ForTerminal(const std::string& latin1);
+
+}  // namespace vintar::cli

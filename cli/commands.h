@@ -1,0 +1,20 @@
+// Registration of the command groups of the `vintar` program. Each group
+// adds its subcommands to the app; the chosen one stores its action, which
+// main runs after the options are parsed and the session has started.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+
+#include "cli/cli_support.h"
+
+namespace vintar::cli {
+
+using Action = std::function<int()>;
+
+void AddParseCommands(CLI::App& app, Context& ctx, Action& action);
+void AddProjectCommands(CLI::App& app, Context& ctx, Action& action);
+void AddPrefsCommands(CLI::App& app, Context& ctx, Action& action);
+
+}  // namespace vintar::cli

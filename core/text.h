@@ -1,0 +1,41 @@
+// Small text helpers shared by every subsystem.
+//
+// Strings hold single-byte text (Latin-1 / Windows-1252) exactly as it stands
+// in the project files; nothing here assumes UTF-8 except Latin1ToUtf8, which
+// is only for output to JSON and terminals. Case folding is ASCII plus the
+// Latin-1 letters, so "é" and "É" compare equal the way the files' code page
+// would have them.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vintar {
+
+inline constexpr const char* kLineEnd = "\r\n";
+inline constexpr char kDegreeSign = '\xB0';
+
+std::string Trim(std::string_view s);   // blanks and tabs at both ends
+std::string LTrim(std::string_view s);
+std::string RTrim(std::string_view s);
+std::string UCase(std::string_view s);
+bool EqualsIgnoreCase(std::string_view a, std::string_view b);
+int CompareIgnoreCase(std::string_view a, std::string_view b);  // <0, 0, >0
+bool StartsWithIgnoreCase(std::string_view s, std::string_view prefix);
+
+// The lenient numeric value of a text: skip leading blanks, an optional sign,
+// digits, a point and digits, an exponent; stop at the first character that
+// does not fit; nothing readable gives 0.
+double Val(std::string_view s);
+
+// Format an integer with at least `width` digits, zero padded ("0", "00", "0000").
+std::string ZeroPad(long long value, int width);
+
+// Latin-1 bytes to UTF-8, for JSON and terminal output.
+std::string Latin1ToUtf8(std::string_view s);
+// UTF-8 from a command line back to the files' single-byte form; characters
+// outside Latin-1 become '?'.
+std::string Utf8ToLatin1(std::string_view s);
+
+}  // namespace vintar

@@ -1,0 +1,162 @@
+// The `vintar` command end to end: exit codes, JSON shapes, message texts on
+// stderr and in the JSON, and that a failed save damages nothing.
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sys/wait.h>
+
+#include <cstdlib>
+
+#include "support/test_support.h"
+
+namespace vintar {
+namespace {
+
+using testing::ReadBytes;
+using testing::TempDir;
+using testing::WriteBytes;
+
+struct Run {
+  int status = -1;
+  std::string out, err;
+  nlohmann::json json() const { return nlohmann::json::parse(out); }
+};
+
+std::string Quote(const std::string& s) {
+  std::string q = "'";
+  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+
+class Cli : public ::testing::Test {
+ protected:
+  Run Vintar(const std::vector<std::string>& args) {
+    std::string command = "VINTAR_CONFIG_DIR=" + Quote(dir.file("config")) + " " + Quote(VINTAR_CLI_PATH);
+    for (const auto& a : args) command += " " + Quote(a);
+    command += " >" + Quote(dir.file("out")) + " 2>" + Quote(dir.file("err")) + " </dev/null";
+    Run r;
+    int raw = std::system(command.c_str());
+    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    r.out = ReadBytes(dir.file("out"));
+    r.err = ReadBytes(dir.file("err"));
+    return r;
+  }
+  TempDir dir;
+};
+
+TEST_F(Cli, ParseGivesTheOutputsByName) {
+  struct Case {
+    std::vector<std::string> args;
+    const char* key;
+    double value;
+  } cases[] = {
+      {{"parse", "date", "August 3rd 1990"}, "year", 1990},
+      {{"parse", "date", "12/31/09", "--month-first"}, "year", 2009},
+      {{"parse", "date", "29 1 29", "--century-base", "1930"}, "year", 2029},
+      {{"parse", "time", "5:07:09 pm"}, "hours", 17},
+      {{"parse", "latitude", "35.5"}, "latitude", 35 + 5 / 60.0},
+      {{"parse", "longitude", "151E13"}, "longitude", -(151 + 13 / 60.0)},
+      {{"parse", "zone", "EST -5"}, "zoneHours", 5},
+  };
+  for (const auto& c : cases) {
+    auto args = c.args;
+    args.push_back("--json");
+    Run r = Vintar(args);
+    ASSERT_EQ(r.status, 0) << args[2] << "\n" << r.err;
+    auto j = r.json();
+    EXPECT_NEAR(j[c.key].get<double>(), c.value, 1e-6) << args[2];
+    EXPECT_FALSE(j["failed"].get<bool>());
+    EXPECT_TRUE(j["messages"].empty());
+  }
+  EXPECT_EQ(Vintar({"parse", "zone", "EST -5", "--json"}).json()["mnemonic"], "EST");
+}
+
+TEST_F(Cli, AFailedParseExitsOneWithItsMessage) {
+  Run r = Vintar({"parse", "zone", "14:00", "--json"});
+  EXPECT_EQ(r.status, 1);
+  auto j = r.json();
+  EXPECT_TRUE(j["failed"].get<bool>());
+  ASSERT_EQ(j["messages"].size(), 1u);
+  EXPECT_EQ(j["messages"][0]["title"], "Error in Time Zone");
+  EXPECT_NE(r.err.find("The format of the Time Zone is not recognised."), std::string::npos);
+}
+
+TEST_F(Cli, UsageErrorsExitTwo) {
+  EXPECT_EQ(Vintar({}).status, 2);
+  EXPECT_EQ(Vintar({"parse", "colour", "red"}).status, 2);
+  EXPECT_EQ(Vintar({"frobnicate"}).status, 2);
+  EXPECT_EQ(Vintar({"prefs", "set", "NoSuchKey", "1"}).status, 2);
+  EXPECT_EQ(Vintar({"--help"}).status, 0);
+}
+
+TEST_F(Cli, FormatCommands) {
+  struct Case {
+    std::vector<std::string> args;
+    const char* text;
+  } cases[] = {
+      {{"format", "date", "31", "12", "2009"}, "31 Dec 2009"},
+      {{"format", "date", "15", "1", "-99"}, "15 Jan 0100 BC"},
+      {{"format", "time", "17", "7", "9", "--ampm"}, "5:07:09 pm"},
+      {{"format", "zone", "--", "-5.5"}, "-5:30"},
+      {{"format", "latitude", "--", "-33.8667"}, "33S52"},
+      {{"format", "longitude", "--", "-151.2167"}, "151E13"},
+  };
+  for (const auto& c : cases) {
+    Run r = Vintar(c.args);
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, std::string(c.text) + "\n");
+  }
+}
+
+TEST_F(Cli, ProjectShowAndSaveRoundTrip) {
+  std::string sample = std::string(VINTAR_SAMPLES_DIR) + "/hollis.dat";
+  Run show = Vintar({"project", "show", sample, "--json"});
+  ASSERT_EQ(show.status, 0) << show.err;
+  auto j = show.json();
+  int count = j["header"]["recordCount"];
+  EXPECT_GT(count, 0);
+  EXPECT_EQ(j["records"].size(), static_cast<size_t>(count));
+  EXPECT_TRUE(j["records"][0].contains("julianDay"));
+  EXPECT_FALSE(j["categoryValues"].empty());
+
+  std::string out = dir.file("copy.dat");
+  Run save = Vintar({"project", "save", sample, out});
+  ASSERT_EQ(save.status, 0) << save.err;
+  EXPECT_EQ(ReadBytes(out), ReadBytes(sample));
+  EXPECT_EQ(ReadBytes(dir.file("copy.nat")), ReadBytes(std::string(VINTAR_SAMPLES_DIR) + "/hollis.nat"));
+}
+
+TEST_F(Cli, VersionOneProjectIsSavedAsVersionTwo) {
+  std::string out = dir.file("v2.dat");
+  Run save = Vintar({"project", "save", std::string(VINTAR_SAMPLES_DIR) + "/ashgrove.dat", out});
+  ASSERT_EQ(save.status, 0) << save.err;
+  EXPECT_EQ(ReadBytes(dir.file("v2.nat")).rfind("VINTAR 2\r\n", 0), 0u);
+  Run show = Vintar({"project", "show", out, "--json"});
+  ASSERT_EQ(show.status, 0) << show.err;
+  EXPECT_EQ(show.json()["header"]["formatVersion"], 2);
+}
+
+TEST_F(Cli, AMalformedProjectFailsCleanlyAndASaveOverItIsRefused) {
+  std::string bad = dir.file("bad.dat");
+  std::string bytes = "\"One\",1990,1,2,3,4,5,0,2,\"UT\",0,\"\",0,0,-1,0,\"\"\r\n\"Two\",oops,1\r\n";
+  WriteBytes(bad, bytes);
+  Run r = Vintar({"project", "show", bad, "--json"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.err.find("Record 2"), std::string::npos) << r.err;
+  EXPECT_EQ(ReadBytes(bad), bytes) << "reading never touches the file";
+}
+
+TEST_F(Cli, PrefsSetAndShow) {
+  Run set = Vintar({"prefs", "set", "Houses", "6"});
+  ASSERT_EQ(set.status, 0) << set.err;
+  Run show = Vintar({"prefs", "show", "--json"});
+  ASSERT_EQ(show.status, 0);
+  auto prefs = show.json()["preferences"];
+  EXPECT_EQ(prefs["Houses"], "6");
+  EXPECT_EQ(prefs["PointOnCusp"], "1");
+  EXPECT_NE(ReadBytes(dir.file("config/VINTAR2.INI")).find("Houses=6\r\n"), std::string::npos);
+  ASSERT_EQ(Vintar({"prefs", "set", "Houses", ""}).status, 0);
+  EXPECT_EQ(ReadBytes(dir.file("config/VINTAR2.INI")).find("Houses="), std::string::npos);
+}
+
+}  // namespace
+}  // namespace vintar
