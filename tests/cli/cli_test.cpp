@@ -15,7 +15,7 @@ using testing::ReadBytes;
 using testing::TempDir;
 using testing::WriteBytes;
 
-struct Run {
+struct CliRun {
   int status = -1;
   std::string out, err;
   nlohmann::json json() const { return nlohmann::json::parse(out); }
@@ -29,11 +29,11 @@ std::string Quote(const std::string& s) {
 
 class Cli : public ::testing::Test {
  protected:
-  Run Vintar(const std::vector<std::string>& args) {
+  CliRun Vintar(const std::vector<std::string>& args) {
     std::string command = "VINTAR_CONFIG_DIR=" + Quote(dir.file("config")) + " " + Quote(VINTAR_CLI_PATH);
     for (const auto& a : args) command += " " + Quote(a);
     command += " >" + Quote(dir.file("out")) + " 2>" + Quote(dir.file("err")) + " </dev/null";
-    Run r;
+    CliRun r;
     int raw = std::system(command.c_str());
     r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
     r.out = ReadBytes(dir.file("out"));
@@ -50,7 +50,7 @@ TEST_F(Cli, ParseGivesTheOutputsByName) {
     double value;
   } cases[] = {
       {{"parse", "date", "August 3rd 1990"}, "year", 1990},
-      {{"parse", "date", "12/31/09", "--month-first"}, "year", 2009},
+      {{"parse", "date", "12/31/09", "--month-first"}, "year", 1909},
       {{"parse", "date", "29 1 29", "--century-base", "1930"}, "year", 2029},
       {{"parse", "time", "5:07:09 pm"}, "hours", 17},
       {{"parse", "latitude", "35.5"}, "latitude", 35 + 5 / 60.0},
@@ -60,7 +60,7 @@ TEST_F(Cli, ParseGivesTheOutputsByName) {
   for (const auto& c : cases) {
     auto args = c.args;
     args.push_back("--json");
-    Run r = Vintar(args);
+    CliRun r = Vintar(args);
     ASSERT_EQ(r.status, 0) << args[2] << "\n" << r.err;
     auto j = r.json();
     EXPECT_NEAR(j[c.key].get<double>(), c.value, 1e-6) << args[2];
@@ -71,7 +71,7 @@ TEST_F(Cli, ParseGivesTheOutputsByName) {
 }
 
 TEST_F(Cli, AFailedParseExitsOneWithItsMessage) {
-  Run r = Vintar({"parse", "zone", "14:00", "--json"});
+  CliRun r = Vintar({"parse", "zone", "14:00", "--json"});
   EXPECT_EQ(r.status, 1);
   auto j = r.json();
   EXPECT_TRUE(j["failed"].get<bool>());
@@ -101,7 +101,7 @@ TEST_F(Cli, FormatCommands) {
       {{"format", "longitude", "--", "-151.2167"}, "151E13"},
   };
   for (const auto& c : cases) {
-    Run r = Vintar(c.args);
+    CliRun r = Vintar(c.args);
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, std::string(c.text) + "\n");
   }
@@ -109,7 +109,7 @@ TEST_F(Cli, FormatCommands) {
 
 TEST_F(Cli, ProjectShowAndSaveRoundTrip) {
   std::string sample = std::string(VINTAR_SAMPLES_DIR) + "/hollis.dat";
-  Run show = Vintar({"project", "show", sample, "--json"});
+  CliRun show = Vintar({"project", "show", sample, "--json"});
   ASSERT_EQ(show.status, 0) << show.err;
   auto j = show.json();
   int count = j["header"]["recordCount"];
@@ -119,7 +119,7 @@ TEST_F(Cli, ProjectShowAndSaveRoundTrip) {
   EXPECT_FALSE(j["categoryValues"].empty());
 
   std::string out = dir.file("copy.dat");
-  Run save = Vintar({"project", "save", sample, out});
+  CliRun save = Vintar({"project", "save", sample, out});
   ASSERT_EQ(save.status, 0) << save.err;
   EXPECT_EQ(ReadBytes(out), ReadBytes(sample));
   EXPECT_EQ(ReadBytes(dir.file("copy.nat")), ReadBytes(std::string(VINTAR_SAMPLES_DIR) + "/hollis.nat"));
@@ -127,10 +127,10 @@ TEST_F(Cli, ProjectShowAndSaveRoundTrip) {
 
 TEST_F(Cli, VersionOneProjectIsSavedAsVersionTwo) {
   std::string out = dir.file("v2.dat");
-  Run save = Vintar({"project", "save", std::string(VINTAR_SAMPLES_DIR) + "/ashgrove.dat", out});
+  CliRun save = Vintar({"project", "save", std::string(VINTAR_SAMPLES_DIR) + "/ashgrove.dat", out});
   ASSERT_EQ(save.status, 0) << save.err;
   EXPECT_EQ(ReadBytes(dir.file("v2.nat")).rfind("VINTAR 2\r\n", 0), 0u);
-  Run show = Vintar({"project", "show", out, "--json"});
+  CliRun show = Vintar({"project", "show", out, "--json"});
   ASSERT_EQ(show.status, 0) << show.err;
   EXPECT_EQ(show.json()["header"]["formatVersion"], 2);
 }
@@ -139,16 +139,16 @@ TEST_F(Cli, AMalformedProjectFailsCleanlyAndASaveOverItIsRefused) {
   std::string bad = dir.file("bad.dat");
   std::string bytes = "\"One\",1990,1,2,3,4,5,0,2,\"UT\",0,\"\",0,0,-1,0,\"\"\r\n\"Two\",oops,1\r\n";
   WriteBytes(bad, bytes);
-  Run r = Vintar({"project", "show", bad, "--json"});
+  CliRun r = Vintar({"project", "show", bad, "--json"});
   EXPECT_EQ(r.status, 1);
   EXPECT_NE(r.err.find("Record 2"), std::string::npos) << r.err;
   EXPECT_EQ(ReadBytes(bad), bytes) << "reading never touches the file";
 }
 
 TEST_F(Cli, PrefsSetAndShow) {
-  Run set = Vintar({"prefs", "set", "Houses", "6"});
+  CliRun set = Vintar({"prefs", "set", "Houses", "6"});
   ASSERT_EQ(set.status, 0) << set.err;
-  Run show = Vintar({"prefs", "show", "--json"});
+  CliRun show = Vintar({"prefs", "show", "--json"});
   ASSERT_EQ(show.status, 0);
   auto prefs = show.json()["preferences"];
   EXPECT_EQ(prefs["Houses"], "6");
