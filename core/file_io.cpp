@@ -7,16 +7,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <fstream>
-#include <random>
 #include <sstream>
 
 namespace vintar {
 
 bool ReadWholeFile(const std::string& path, std::string& bytes, std::string& error) {
-  std::error_code ec;
-  if (std::filesystem::is_directory(path, ec)) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
     error = std::strerror(EISDIR);
     return false;
   }
@@ -31,60 +29,66 @@ bool ReadWholeFile(const std::string& path, std::string& bytes, std::string& err
   return true;
 }
 
-bool WriteFileAtomically(const std::string& path, const std::string& bytes, std::string& error) {
-  namespace fs = std::filesystem;
-  std::error_code ec;
-  if (fs::is_directory(path, ec)) {
-    error = std::strerror(EISDIR);
-    return false;
-  }
-  fs::path target(path);
-  fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-  std::random_device rd;
-  std::string temp;
+int StageFile(const std::string& target, const std::string& bytes, StagedFile& staged) {
+  staged.target = target;
+  staged.temp.clear();
+  struct stat existing {};
+  bool exists = ::stat(target.c_str(), &existing) == 0;
+  if (exists && S_ISDIR(existing.st_mode)) return EISDIR;
+
   int fd = -1;
-  for (int attempt = 0; attempt < 20 && fd < 0; ++attempt) {
-    temp = (folder / ("." + target.filename().string() + ".tmp" + std::to_string(rd() % 1000000))).string();
-    fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0644);
+  std::string temp;
+  for (int attempt = 0; attempt < 100 && fd < 0; ++attempt) {
+    temp = target + ".~" + std::to_string(::getpid()) + "_" + std::to_string(attempt) + ".tmp";
+    fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0666);
     if (fd < 0 && errno != EEXIST) break;
   }
-  if (fd < 0) {
-    error = std::strerror(errno);
-    return false;
-  }
+  if (fd < 0) return errno;
   // Keep the permissions of a file being replaced.
-  struct stat old {};
-  if (::stat(path.c_str(), &old) == 0) ::fchmod(fd, old.st_mode & 07777);
+  if (exists && S_ISREG(existing.st_mode)) ::fchmod(fd, existing.st_mode & 07777);
 
-  const char* p = bytes.data();
-  size_t left = bytes.size();
-  bool ok = true;
-  while (left > 0) {
-    ssize_t n = ::write(fd, p, left);
+  int err = 0;
+  size_t done = 0;
+  while (done < bytes.size() && err == 0) {
+    ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
     if (n < 0) {
-      if (errno == EINTR) continue;
-      ok = false;
-      break;
+      if (errno != EINTR) err = errno;
+      continue;
     }
-    p += n;
-    left -= static_cast<size_t>(n);
+    done += static_cast<size_t>(n);
   }
-  if (ok && ::fsync(fd) != 0) ok = false;
-  int savedErrno = errno;
-  if (::close(fd) != 0 && ok) {
-    ok = false;
-    savedErrno = errno;
-  }
-  if (ok && std::rename(temp.c_str(), path.c_str()) != 0) {
-    ok = false;
-    savedErrno = errno;
-  }
-  if (!ok) {
+  if (err == 0 && ::fsync(fd) != 0 && errno != EINVAL && errno != EROFS) err = errno;
+  if (::close(fd) != 0 && err == 0) err = errno;
+  if (err != 0) {
     ::unlink(temp.c_str());
-    error = std::strerror(savedErrno);
-    return false;
+    return err;
   }
-  return true;
+  staged.temp = temp;
+  return 0;
+}
+
+int CommitFile(StagedFile& staged) {
+  if (::rename(staged.temp.c_str(), staged.target.c_str()) != 0) {
+    int err = errno;
+    DiscardFile(staged);
+    return err;
+  }
+  staged.temp.clear();
+  return 0;
+}
+
+void DiscardFile(StagedFile& staged) {
+  if (!staged.temp.empty()) ::unlink(staged.temp.c_str());
+  staged.temp.clear();
+}
+
+bool WriteFileAtomically(const std::string& path, const std::string& bytes, std::string& error) {
+  StagedFile staged;
+  int err = StageFile(path, bytes, staged);
+  if (err == 0) err = CommitFile(staged);
+  if (err == 0) return true;
+  error = std::strerror(err);
+  return false;
 }
 
 }  // namespace vintar

@@ -249,81 +249,6 @@ std::string FormatSingle(float value) {
   return std::string(buffer, ptr);
 }
 
-// Staged writing: the bytes go to a fresh file beside the target, which is
-// renamed over the target only when all of it is on disk. Unlike
-// WriteFileAtomically this splits staging from the rename, so that a save
-// stages both files of a project before it replaces either.
-struct StagedFile {
-  std::string target;
-  std::string temp;
-};
-
-bool StageFile(const std::string& target, const std::string& bytes, StagedFile& staged, std::string& error) {
-  staged.target = target;
-  staged.temp.clear();
-  struct stat existing {};
-  if (::stat(target.c_str(), &existing) == 0 && S_ISDIR(existing.st_mode)) {
-    error = kAccessError;  // a folder in the way: fail before anything is replaced
-    return false;
-  }
-  int fd = -1;
-  std::string temp;
-  for (int attempt = 0; attempt < 100 && fd < 0; ++attempt) {
-    temp = target + ".~" + std::to_string(::getpid()) + "_" + std::to_string(attempt) + ".tmp";
-    fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0666);
-    if (fd < 0 && errno != EEXIST) break;
-  }
-  if (fd < 0) {
-    error = ErrnoText(errno);
-    return false;
-  }
-  staged.temp = temp;
-  struct stat old {};
-  if (::stat(target.c_str(), &old) == 0 && S_ISREG(old.st_mode)) ::fchmod(fd, old.st_mode & 07777);
-  size_t done = 0;
-  while (done < bytes.size()) {
-    ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      error = ErrnoText(errno);
-      ::close(fd);
-      ::unlink(temp.c_str());
-      staged.temp.clear();
-      return false;
-    }
-    done += static_cast<size_t>(n);
-  }
-  if (::fsync(fd) != 0 && errno != EINVAL && errno != EROFS) {
-    error = ErrnoText(errno);
-    ::close(fd);
-    ::unlink(temp.c_str());
-    staged.temp.clear();
-    return false;
-  }
-  if (::close(fd) != 0) {
-    error = ErrnoText(errno);
-    ::unlink(temp.c_str());
-    staged.temp.clear();
-    return false;
-  }
-  return true;
-}
-
-void DiscardFile(StagedFile& staged) {
-  if (!staged.temp.empty()) ::unlink(staged.temp.c_str());
-  staged.temp.clear();
-}
-
-bool CommitFile(StagedFile& staged, std::string& error) {
-  if (::rename(staged.temp.c_str(), staged.target.c_str()) != 0) {
-    error = ErrnoText(errno);
-    DiscardFile(staged);
-    return false;
-  }
-  staged.temp.clear();
-  return true;
-}
-
 void ShowReadError(Session& session, const std::string& path, const std::string& errorText) {
   session.ShowMessage("Error whilst attempting to read from file: " + path + kLineEnd + kLineEnd + errorText,
                       kIconExclamation, kReadErrorTitle);
@@ -710,24 +635,23 @@ void WriteProject(Session& session, const std::string& path, ProjectHeader& head
 
     const bool writeNat = status.NatChanged != 0;
     const bool writeDat = status.DataChanged != 0 || header.FormatVersion < 2;
-    std::string error;
 
     // Both files are complete on disk before either replaces its old copy.
     if (writeNat) {
-      if (!StageFile(NatPathFor(target), FormatNatFile(header), natFile, error)) throw FileError{error};
+      if (int err = StageFile(NatPathFor(target), FormatNatFile(header), natFile)) throw FileError{ErrnoText(err)};
     }
     if (writeDat) {
       int32_t last = std::min<int32_t>(header.RecordCount, static_cast<int32_t>(records.size()) - 1);
       std::string bytes;
       for (int32_t i = 1; i <= last; ++i) bytes += FormatDataRecord(records[i]);
-      if (!StageFile(target, bytes, datFile, error)) throw FileError{error};
+      if (int err = StageFile(target, bytes, datFile)) throw FileError{ErrnoText(err)};
     }
     if (writeNat) {
-      if (!CommitFile(natFile, error)) throw FileError{error};
+      if (int err = CommitFile(natFile)) throw FileError{ErrnoText(err)};
       status.NatChanged = kFalse;
     }
     if (writeDat) {
-      if (!CommitFile(datFile, error)) throw FileError{error};
+      if (int err = CommitFile(datFile)) throw FileError{ErrnoText(err)};
       status.DataChanged = kFalse;
       if (updateTitle) UpdateTitle(session, target);
     }

@@ -1,6 +1,8 @@
 // The vocabulary tables: see vocabulary.h for the numbering.
 #include "core/vocabulary.h"
 
+#include "core/parse.h"
+
 #include <algorithm>
 #include <initializer_list>
 
@@ -20,21 +22,6 @@ Names FromOne(std::initializer_list<const char*> names) {
 }
 
 Names FromZero(std::initializer_list<const char*> names) { return Names(names.begin(), names.end()); }
-
-// "1st", "2nd", "3rd", "4th" ...; 11 to 19 of each hundred take "th".
-std::string Ordinal(int n) {
-  const int lastTwo = (n < 0 ? -n : n) % 100;
-  const char* suffix = "th";
-  if (lastTwo < 10 || lastTwo > 19) {
-    switch (lastTwo % 10) {
-      case 1: suffix = "st"; break;
-      case 2: suffix = "nd"; break;
-      case 3: suffix = "rd"; break;
-      default: break;
-    }
-  }
-  return std::to_string(n) + suffix;
-}
 
 // The interpretation list numbering leaves 4 free and folds both nodes onto 20;
 // list 21 comes from point 25, which has no row in the point table.
@@ -161,7 +148,7 @@ void BuildVocabulary(Vocabulary& v) {
   v.KeywordHeading.assign(v.PointName.begin() + 1, v.PointName.end());
   v.KeywordHeading.push_back("Descendant");
   v.KeywordHeading.push_back("IC");
-  for (int house = 1; house <= 12; ++house) v.KeywordHeading.push_back(Ordinal(house) + " House");
+  for (int house = 1; house <= 12; ++house) v.KeywordHeading.push_back(FormatOrdinal(house) + " House");
 
   v.PointToList = kPointToList;
   v.ListToPoint = kListToPoint;
@@ -253,7 +240,7 @@ void SetUserHouseName(Vocabulary& v, int pointOnCusp, int whichCusp) {
   if (v.HouseSystemName.size() != kHouseSystemCount || v.PointShort.size() != kPointCount + 1) return;
   const int point = std::clamp(pointOnCusp, 1, kPointCount);
   const int cusp = std::clamp(whichCusp, 1, 12);
-  v.HouseSystemName[kUserHouseSystem] = v.PointShort[point] + " on " + Ordinal(cusp);
+  v.HouseSystemName[kUserHouseSystem] = v.PointShort[point] + " on " + FormatOrdinal(cusp);
 }
 
 void BuildRayTables(Vocabulary& v, bool equalWeights) {
