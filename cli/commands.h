@@ -16,5 +16,6 @@ using Action = std::function<int()>;
 void AddParseCommands(CLI::App& app, Context& ctx, Action& action);
 void AddProjectCommands(CLI::App& app, Context& ctx, Action& action);
 void AddPrefsCommands(CLI::App& app, Context& ctx, Action& action);
+void AddChartCommands(CLI::App& app, Context& ctx, Action& action);
 
 }  // namespace vintar::cli

@@ -1,6 +1,7 @@
 // The `vintar` command: the engine's jobs from a terminal or a script.
 #include <iostream>
 
+#include "calc/ephemeris.h"
 #include "cli/commands.h"
 
 int main(int argc, char** argv) {
@@ -18,6 +19,7 @@ int main(int argc, char** argv) {
   AddParseCommands(app, ctx, action);
   AddProjectCommands(app, ctx, action);
   AddPrefsCommands(app, ctx, action);
+  AddChartCommands(app, ctx, action);
 
   try {
     app.parse(argc, argv);
@@ -31,5 +33,7 @@ int main(int argc, char** argv) {
   }
   if (!action) return kExitUsage;
   ctx.Start();
-  return action();
+  int code = action();
+  vintar::CloseEphemeris();
+  return code;
 }

@@ -8,6 +8,7 @@
 #include <functional>
 #include <string>
 
+#include "core/chart_slots.h"
 #include "core/messages.h"
 #include "core/preferences.h"
 #include "core/records.h"
@@ -52,6 +53,9 @@ class Session {
   Vocabulary vocab;
   ZoneTable zones;
   ProjectState project;
+  ChartTables charts;
+  CacheState cache;
+  std::string EphemerisPath;  // as handed to the ephemeris, for its messages
 
   int16_t CenturyBase = 1900;  // two-digit years; not stored between sessions
   int16_t MergeActive = 0;

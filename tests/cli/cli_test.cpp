@@ -158,5 +158,51 @@ TEST_F(Cli, PrefsSetAndShow) {
   EXPECT_EQ(ReadBytes(dir.file("config/VINTAR2.INI")).find("Houses="), std::string::npos);
 }
 
+TEST_F(Cli, ChartPrintsEveryPointAndTheCusps) {
+  CliRun r = Vintar({"chart", "--date", "12 Aug 1958", "--time", "3:40 pm", "--zone", "BST", "--latitude", "53N48",
+                     "--longitude", "1W33", "--houses", "6", "--json"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  auto j = r.json();
+  for (const char* key : {"jd", "t", "ramc", "obliquity", "siderealOffset"}) EXPECT_TRUE(j.contains(key)) << key;
+  ASSERT_EQ(j["points"].size(), 24u);
+  EXPECT_EQ(j["points"][2]["name"], "The Sun");
+  EXPECT_NEAR(j["points"][2]["longitude"].get<double>(), 139.4, 0.3) << "the Sun in mid Leo";
+  EXPECT_EQ(j["cusps"].size(), 12u);
+  EXPECT_EQ(j["houseSystem"], 6);
+  EXPECT_NEAR(j["jd"].get<double>(), 2436427.5 + 14.0 / 24 + 40.0 / 1440, 1e-9) << "3:40 pm BST is 14:40 UT";
+
+  CliRun bad = Vintar({"chart", "--date", "12 Aug 1958", "--zone", "BST", "--latitude", "95N00", "--longitude",
+                       "1W33", "--json"});
+  EXPECT_EQ(bad.status, 1);
+  EXPECT_EQ(bad.json()["messages"][0]["title"], "Error in Latitude");
+}
+
+TEST_F(Cli, CacheIsBuiltOnceThenCurrentAndDecodes) {
+  for (const char* ext : {".dat", ".nat"})
+    WriteBytes(dir.file(std::string("hollis") + ext),
+               ReadBytes(std::string(VINTAR_SAMPLES_DIR) + "/hollis" + ext));
+  std::string project = dir.file("hollis.dat");
+  CliRun first = Vintar({"cache", project, "--type", "1", "--json"});
+  ASSERT_EQ(first.status, 0) << first.err;
+  int records = first.json()["records"];
+  EXPECT_EQ(first.json()["recalculated"], records);
+  EXPECT_EQ(ReadBytes(dir.file("hollis.gsp")).size(), static_cast<size_t>(records) * 464);
+
+  CliRun again = Vintar({"cache", project, "--type", "1", "--json"});
+  ASSERT_EQ(again.status, 0) << again.err;
+  EXPECT_EQ(again.json()["recalculated"], 0);
+  EXPECT_EQ(again.json()["current"], records);
+
+  CliRun dump = Vintar({"cache-dump", project, "--coordinate", "1", "--type", "1", "--record", "2", "--json"});
+  ASSERT_EQ(dump.status, 0) << dump.err;
+  auto rec = dump.json()["records"][0];
+  EXPECT_EQ(rec["record"], 2);
+  EXPECT_EQ(rec["year"], 1929);
+  EXPECT_EQ(rec["startPos"].size(), 24u);
+
+  EXPECT_EQ(Vintar({"cache-dump", project, "--coordinate", "2", "--type", "0", "--json"}).status, 1)
+      << "no heliocentric transit cache was built";
+}
+
 }  // namespace
 }  // namespace vintar

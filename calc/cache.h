@@ -1,0 +1,64 @@
+// The position cache: for every record of a project, the positions of the
+// points at the start and end of the record's date range, one file per
+// coordinate and dynamic type beside the project (.geo, .gsp, .gtp, .gdi,
+// .heo, .hsp, .htp, .hdi), 464 bytes a record, little-endian, no header.
+//
+// Positions are tropical (the precession term of the date is stored so that
+// a reader can turn them sidereal) and computed at the record's stored
+// moment, which carries delta-T; values are single precision. A record is
+// recalculated only when the fields that its time accuracy uses have
+// changed. Checked against the positions of the moment computed directly
+// and against the byte offsets of the record layout.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "core/progress.h"
+#include "core/session.h"
+
+namespace vintar {
+
+inline constexpr int kCacheRecordSize = 464;
+
+struct EventPositionRecord {
+  int16_t Year = 0, Month = 0, Day = 0;
+  int16_t TimeAccuracy = 0;
+  int16_t Hour = 0, Minute = 0, Second = 0;
+  float Zone = 0;
+  int16_t RangeDays = 0;
+  float Longitude = 0, Latitude = 0;
+  int32_t PrecessionArcsec = 0;
+  std::array<float, kPoints + 1> StartPos{};  // 1..24
+  std::array<float, kPoints + 1> EndPos{};
+  std::array<int16_t, kPoints + 1> Motion{};
+  std::array<float, kPoints + 1> StartLat{};
+  std::array<float, kPoints + 1> EndLat{};
+};
+
+// Field by field, little-endian, exactly 464 bytes.
+void EncodeCacheRecord(const EventPositionRecord& record, unsigned char* out);
+EventPositionRecord DecodeCacheRecord(const unsigned char* in);
+
+// The cache file of a project: the .dat path with the extension of the
+// coordinate (1 or 2) and dynamic type (0 to 3).
+std::string CacheFileName(const std::string& datPath, int coordinate, int dynamicType);
+
+struct CacheRunStats {
+  int Recalculated = 0;
+  int Current = 0;
+};
+
+// Makes sure that the named cache of the session's open project is current,
+// recalculating stale records only. Sets `cancelled` when the user stopped it
+// through `progress` or the file could not be opened or written; what was
+// written stays. A project with no records creates nothing. The session's
+// current coordinate, type and method are restored afterwards.
+void CalcEvents(Session& session, int coordinate, int dynamicType, int progressionMethod, bool& cancelled,
+                Progress* progress = nullptr, CacheRunStats* stats = nullptr);
+
+// Reads record n (from 1) of a cache file; false when the file is shorter.
+bool ReadCacheRecord(const std::string& path, int n, EventPositionRecord& record);
+
+}  // namespace vintar
