@@ -42,6 +42,7 @@ struct BenchProject {
     session.cache.AsteroidsOn = asteroids ? kTrue : kFalse;
     ProjectState& p = session.project;
     p.ProjectPath = (dir / "bench.dat").string();
+    p.Header.Date = "12 Aug 1950";  // progressions need a natal date
     p.Header.NatalJulianDay = JulDay(12.6, 8, 1950);
     p.Header.RecordCount = records;
     p.Events.assign(records + 1, EventRecord{});
