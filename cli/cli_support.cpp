@@ -1,7 +1,13 @@
 #include "cli/cli_support.h"
 
-#include <iostream>
+#include <unistd.h>
 
+#include <csignal>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+#include "core/project_file.h"
 #include "core/text.h"
 
 namespace vintar::cli {
@@ -39,6 +45,55 @@ nlohmann::json Context::Messages() const {
 void Context::PrintJson(nlohmann::json body) const {
   body["messages"] = Messages();
   std::cout << body.dump(2) << "\n";
+}
+
+namespace {
+volatile std::sig_atomic_t interrupted = 0;
+extern "C" void OnInterrupt(int) { interrupted = 1; }
+}  // namespace
+
+TerminalProgress::TerminalProgress(const Context& ctx) : show_(!ctx.json && ::isatty(STDOUT_FILENO)) {
+  interrupted = 0;
+  std::signal(SIGINT, OnInterrupt);
+}
+
+TerminalProgress::~TerminalProgress() {
+  std::signal(SIGINT, SIG_DFL);
+  if (drawn_) std::cerr << "\n";
+}
+
+void TerminalProgress::Status(const std::string& text) {
+  status_ = text;
+  Draw();
+}
+
+void TerminalProgress::Fraction(double done) {
+  int percent = static_cast<int>(done * 100.0 + 0.5);
+  if (percent == percent_) return;
+  percent_ = percent;
+  Draw();
+}
+
+bool TerminalProgress::Cancelled() { return interrupted != 0; }
+
+void TerminalProgress::Draw() {
+  if (!show_) return;
+  int percent = percent_ < 0 ? 0 : percent_;
+  int filled = percent * 30 / 100;
+  std::string line = caption_ + " [" + std::string(filled, '#') + std::string(30 - filled, ' ') + "] ";
+  std::ostringstream p;
+  p << std::setw(3) << percent << "%";
+  line += p.str();
+  if (!status_.empty()) line += "  " + status_;
+  if (line.size() > 110) line.resize(110);
+  std::cerr << "\r\033[K" << Latin1ToUtf8(line) << std::flush;
+  drawn_ = true;
+}
+
+bool OpenProjectForCommand(Context& ctx, const std::string& datPathArg) {
+  if (OpenProjectFiles(ctx.session, FromArg(datPathArg), nullptr)) return true;
+  if (ctx.json) ctx.PrintJson({{"failed", true}});
+  return false;
 }
 
 std::string Latin1ToUtf8View(const std::string& latin1) { return Latin1ToUtf8(latin1); }

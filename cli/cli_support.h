@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/messages.h"
+#include "core/progress.h"
 #include "core/session.h"
 
 namespace vintar::cli {
@@ -42,6 +43,30 @@ struct Context {
   // Prints `body` (plus "messages") as JSON on stdout when --json is set.
   void PrintJson(nlohmann::json body) const;
 };
+
+// Progress of a long run: a bar on stderr while stdout is a terminal and
+// --json is off, nothing otherwise. Ctrl-C asks the run to stop, as its
+// cancel button would.
+class TerminalProgress : public Progress {
+ public:
+  explicit TerminalProgress(const Context& ctx);
+  ~TerminalProgress() override;
+  void Caption(const std::string& text) override { caption_ = text; }
+  void Status(const std::string& text) override;
+  void Fraction(double done) override;
+  bool Cancelled() override;
+
+ private:
+  void Draw();
+  bool show_;
+  bool drawn_ = false;
+  int percent_ = -1;
+  std::string caption_, status_;
+};
+
+// Opens the project of a command: on failure prints {"failed": true} with
+// --json (the reader has already said why) and returns false.
+bool OpenProjectForCommand(Context& ctx, const std::string& datPathArg);
 
 std::string Latin1ToUtf8View(const std::string& latin1);
 // Latin-1 text of the files as a JSON string (JSON is UTF-8).

@@ -17,5 +17,10 @@ void AddParseCommands(CLI::App& app, Context& ctx, Action& action);
 void AddProjectCommands(CLI::App& app, Context& ctx, Action& action);
 void AddPrefsCommands(CLI::App& app, Context& ctx, Action& action);
 void AddChartCommands(CLI::App& app, Context& ctx, Action& action);
+void AddRectifyCommands(CLI::App& app, Context& ctx, Action& action);
+// The subcommands of `vintar rectify`, by module.
+void AddRectifyGraphCommands(CLI::App& rectify, Context& ctx, Action& action);
+void AddRectifySearchCommands(CLI::App& rectify, Context& ctx, Action& action);
+void AddRectifyAutoCommands(CLI::App& rectify, Context& ctx, Action& action);
 
 }  // namespace vintar::cli

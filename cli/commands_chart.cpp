@@ -1,8 +1,5 @@
 // `vintar chart`, `vintar cache` and `vintar cache-dump`: one chart cast from
 // typed values, and a project's position caches brought up to date and read.
-#include <unistd.h>
-
-#include <csignal>
 #include <cstdio>
 #include <iomanip>
 #include <iostream>
@@ -18,41 +15,6 @@
 
 namespace vintar::cli {
 namespace {
-
-// Ctrl-C during a long run asks it to stop, as its cancel button would.
-volatile std::sig_atomic_t interrupted = 0;
-extern "C" void OnInterrupt(int) { interrupted = 1; }
-
-// A bar on stderr while stdout is a terminal; nothing otherwise.
-class TerminalProgress : public Progress {
- public:
-  explicit TerminalProgress(bool show) : show_(show) {
-    interrupted = 0;
-    std::signal(SIGINT, OnInterrupt);
-  }
-  ~TerminalProgress() override {
-    std::signal(SIGINT, SIG_DFL);
-    if (drawn_) std::cerr << "\n";
-  }
-  void Caption(const std::string& text) override { caption_ = text; }
-  void Fraction(double done) override {
-    if (!show_) return;
-    int percent = static_cast<int>(done * 100.0 + 0.5);
-    if (percent == last_) return;
-    last_ = percent;
-    int filled = percent * 30 / 100;
-    std::cerr << "\r" << ForTerminal(caption_) << " [" << std::string(filled, '#') << std::string(30 - filled, ' ')
-              << "] " << std::setw(3) << percent << "%" << std::flush;
-    drawn_ = true;
-  }
-  bool Cancelled() override { return interrupted != 0; }
-
- private:
-  bool show_;
-  bool drawn_ = false;
-  int last_ = -1;
-  std::string caption_;
-};
 
 // "15°23'12" Leo" style text of a longitude, for the terminal.
 std::string ZodiacText(const Session& s, double longitude) {
@@ -153,17 +115,11 @@ struct CacheArgs {
   int coordinate = 1, type = 0, method = 0, record = 0;
 };
 
-bool OpenForCache(Context& ctx, const std::string& path) {
-  if (OpenProjectFiles(ctx.session, FromArg(path), nullptr)) return true;
-  if (ctx.json) ctx.PrintJson({{"failed", true}});
-  return false;
-}
-
 int RunCache(Context& ctx, const CacheArgs& a) {
   Session& s = ctx.session;
-  if (!OpenForCache(ctx, a.path)) return kExitFailed;
+  if (!OpenProjectForCommand(ctx, a.path)) return kExitFailed;
   const int method = a.method > 0 ? a.method : s.prefs.Progressions;
-  TerminalProgress progress(!ctx.json && ::isatty(STDOUT_FILENO));
+  TerminalProgress progress(ctx);
   progress.Caption("Recalculating " + s.vocab.DynamicMethodName[a.type] + " (" +
                    s.vocab.CoordName[a.coordinate] + ")");
   CacheRunStats stats;

@@ -124,10 +124,7 @@ void PrintProject(const Session& s) {
 
 int RunShow(Context& ctx, const std::string& path) {
   Session& s = ctx.session;
-  if (!OpenProjectFiles(s, FromArg(path), nullptr)) {
-    if (ctx.json) ctx.PrintJson({{"failed", true}});
-    return kExitFailed;
-  }
+  if (!OpenProjectForCommand(ctx, path)) return kExitFailed;
   if (ctx.json) {
     nlohmann::json records = nlohmann::json::array();
     for (int i = 1; i <= s.project.Header.RecordCount; ++i) records.push_back(RecordJson(s.project.Events[i]));
@@ -145,10 +142,7 @@ int RunShow(Context& ctx, const std::string& path) {
 
 int RunSave(Context& ctx, const std::string& in, const std::string& out) {
   Session& s = ctx.session;
-  if (!OpenProjectFiles(s, FromArg(in), nullptr)) {
-    if (ctx.json) ctx.PrintJson({{"failed", true}});
-    return kExitFailed;
-  }
+  if (!OpenProjectForCommand(ctx, in)) return kExitFailed;
   // An explicit save writes both files.
   s.project.Status.DataChanged = kTrue;
   s.project.Status.NatChanged = kTrue;

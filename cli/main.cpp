@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
   AddProjectCommands(app, ctx, action);
   AddPrefsCommands(app, ctx, action);
   AddChartCommands(app, ctx, action);
+  AddRectifyCommands(app, ctx, action);
 
   try {
     app.parse(argc, argv);

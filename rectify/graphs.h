@@ -1,0 +1,5 @@
+// Placeholder, replaced by the event graphs module.
+#pragma once
+namespace vintar {
+struct GraphState {};
+}

@@ -1,0 +1,5 @@
+// Placeholder, replaced by the peaks and angle search module.
+#pragma once
+namespace vintar {
+struct PeakState {};
+}

@@ -1,0 +1,5 @@
+// Placeholder, replaced by the dynamic event search module.
+#pragma once
+namespace vintar {
+struct SearchState {};
+}
