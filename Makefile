@@ -16,8 +16,12 @@ $(BUILD)/CMakeCache.txt: | deps
 build: deps $(BUILD)/CMakeCache.txt
 	cmake --build $(BUILD) -j $(JOBS)
 
+# Auto Rectify on the bundled sample, worked on a copy so that the position
+# caches it writes stay out of samples/.
 demo: build
-	$(BUILD)/cli/vintar project show samples/hollis.dat
+	@mkdir -p $(BUILD)/demo
+	@cp samples/einstein.dat samples/einstein.nat samples/einstein.txt $(BUILD)/demo/
+	$(BUILD)/cli/vintar --config-dir $(BUILD)/demo/config rectify auto $(BUILD)/demo/einstein.dat
 
 test-plain: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)

@@ -97,8 +97,9 @@ void MomentCalls(double jd, bool asteroids, std::vector<Call>& calls) {
   if (asteroids) bodies.insert(bodies.end(), more.begin(), more.end());
   for (int flags : {helio, geo})
     for (int body : bodies) calls.push_back({jd, body, flags});
-  for (int flags : {helio, geo})
-    for (int body : {kBodyTrueNode, kBodyMeanNode}) calls.push_back({jd, body, flags});
+  // The nodes are geocentric only: their heliocentric rows are marked
+  // without a call.
+  for (int body : {kBodyTrueNode, kBodyMeanNode}) calls.push_back({jd, body, geo});
 }
 
 // The calls that recalculating the whole cache needs, stations included
@@ -128,7 +129,7 @@ std::vector<Call> RecalculationCalls(BenchProject& b, int coordinate, int type) 
     static const int kBody[] = {-1, 1, 14, 0, 2, 3, 4, 5, 6, 7, 8, 9, 15, 20, 18, 19, 17, 10010, 10005, 11, 10};
     for (int point = 4; point <= kMeanNode; ++point)
       if (r.Motion[point] == 0) {
-        calls.push_back({jd, kBody[point], kFlagSpeed | kFlagHeliocentric});
+        if (point < kTrueNode) calls.push_back({jd, kBody[point], kFlagSpeed | kFlagHeliocentric});
         calls.push_back({jd, kBody[point], kFlagSpeed});
       }
   }

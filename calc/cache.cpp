@@ -196,13 +196,7 @@ EventPositionRecord BuildRecord(Session& session, const EventRecord& e, const Ru
   r.Longitude = e.Longitude;
   r.Latitude = e.Latitude;
 
-  // Half the span of the range: a date alone is the whole day and a day
-  // either side of noon; a zone without a clock time half a day more.
-  double span = e.DayRange;
-  if (e.DetailLevel == 0)
-    span += 1.0;
-  else if (e.DetailLevel == 1)
-    span += 0.5;
+  const double span = EventHalfSpan(e);
   const double jd = RecordJulianDay(e);
   const double t1 = jd - span, t2 = jd + span;
   const int c = run.coordinate;
@@ -411,6 +405,17 @@ bool NatalDateKnown(Session& session) {
 }
 
 }  // namespace
+
+double EventHalfSpan(const EventRecord& e) {
+  // A date alone is the whole day and a day either side of noon; a zone
+  // without a clock time half a day more.
+  double span = e.DayRange;
+  if (e.DetailLevel == 0)
+    span += 1.0;
+  else if (e.DetailLevel == 1)
+    span += 0.5;
+  return span;
+}
 
 bool ReadCacheRecord(const std::string& path, int n, EventPositionRecord& record) {
   if (n < 1) return false;

@@ -58,6 +58,11 @@ struct CacheRunStats {
 void CalcEvents(Session& session, int coordinate, int dynamicType, int progressionMethod, bool& cancelled,
                 Progress* progress = nullptr, CacheRunStats* stats = nullptr);
 
+// Half the span in days of an event's moment: its date range, plus a day
+// for a date alone or half a day for a time known to the hour. The range
+// of the event is its stored moment less and plus this.
+double EventHalfSpan(const EventRecord& event);
+
 // Reads record n (from 1) of a cache file; false when the file is shorter.
 bool ReadCacheRecord(const std::string& path, int n, EventPositionRecord& record);
 

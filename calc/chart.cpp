@@ -96,6 +96,15 @@ void ComputePositions(Session& session, int slot, int firstPoint, int lastPoint,
     const int flags = round == 2 ? kFlagSpeed | kFlagHeliocentric : kFlagSpeed;
     for (int point = std::max(firstPoint, 4); point <= lastPoint; ++point) {
       if (kBodyOfPoint[point] < 0) continue;
+      if (coordinate == kHeliocentric && (point == kTrueNode || point == kMeanNode)) {
+        // The Moon's nodes have no heliocentric place; the library answers
+        // with zeros, which would read as 0 Aries. Mark them not computed.
+        session.charts.Longitude[coordinate][slot][point] = -1.0;
+        session.charts.Latitude[coordinate][slot][point] = 0.0;
+        session.charts.LongSpeed[coordinate][slot][point] = 0.0;
+        session.charts.LatSpeed[coordinate][slot][point] = 0.0;
+        continue;
+      }
       StorePosition(session, coordinate, slot, point, jd, flags, siderealOffset, run);
       if (round == 1)
         session.charts.Retrograde[slot][point] = session.charts.LongSpeed[kGeocentric][slot][point] < 0 ? kTrue : kFalse;

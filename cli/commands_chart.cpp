@@ -16,22 +16,6 @@
 namespace vintar::cli {
 namespace {
 
-// "15°23'12" Leo" style text of a longitude, for the terminal.
-std::string ZodiacText(const Session& s, double longitude) {
-  if (longitude < 0) return "not computed";
-  int sign = static_cast<int>(longitude / 30.0);
-  double within = longitude - sign * 30.0;
-  long seconds = std::lround(within * 3600.0);
-  if (seconds >= 30 * 3600) {
-    seconds -= 30 * 3600;
-    sign = (sign + 1) % 12;
-  }
-  std::ostringstream out;
-  out << std::setw(2) << seconds / 3600 << kDegreeSign << std::setw(2) << std::setfill('0') << (seconds / 60) % 60
-      << "'" << std::setw(2) << seconds % 60 << "\" " << s.vocab.SignShort[sign + 1];
-  return out.str();
-}
-
 struct ChartArgs {
   std::string date, time, zone, latitude, longitude;
   int houses = -1, zodiac = 0;
@@ -95,7 +79,7 @@ int RunChart(Context& ctx, const ChartArgs& a) {
     std::ostringstream row;
     row << std::setw(2) << p << "  " << std::left << std::setw(12) << s.vocab.PointName[p] << std::right
         << std::fixed << std::setprecision(6) << std::setw(11) << c.Longitude[f][slot][p] << "  " << std::setw(14)
-        << std::left << ZodiacText(s, c.Longitude[f][slot][p]) << std::right << std::setw(11)
+        << std::left << ZodiacPosition(s, c.Longitude[f][slot][p]) << std::right << std::setw(11)
         << c.Latitude[f][slot][p] << std::setw(12) << c.LongSpeed[f][slot][p]
         << (c.Retrograde[slot][p] ? "  R" : "");
     std::cout << ForTerminal(row.str()) << "\n";
@@ -104,7 +88,7 @@ int RunChart(Context& ctx, const ChartArgs& a) {
   for (int i = 1; i <= 12; ++i) {
     std::ostringstream row;
     row << std::setw(5) << FormatOrdinal(i) << "  " << std::fixed << std::setprecision(6) << std::setw(11)
-        << cs.Cusps[i] << "  " << ZodiacText(s, cs.Cusps[i]);
+        << cs.Cusps[i] << "  " << ZodiacPosition(s, cs.Cusps[i]);
     std::cout << ForTerminal(row.str()) << "\n";
   }
   return kExitOk;

@@ -3,7 +3,12 @@
 #include <iostream>
 #include <memory>
 
+#include <iomanip>
+#include <sstream>
+
 #include "cli/commands.h"
+#include "rectify/auto_rectify.h"
+#include "rectify/search.h"
 #include "rectify/viability.h"
 
 namespace vintar::cli {
@@ -35,6 +40,57 @@ int RunViability(Context& ctx, const std::string& path) {
   return kExitOk;
 }
 
+std::string Range(const Session& s, const std::array<float, 2>& r) {
+  return ZodiacPosition(s, r[0], false) + " to " + ZodiacPosition(s, r[1], false);
+}
+
+int RunAuto(Context& ctx, const std::string& path) {
+  Session& s = ctx.session;
+  if (!OpenProjectForCommand(ctx, path)) return kExitFailed;
+  Rectification rect;
+  TerminalProgress progress(ctx);
+  progress.Caption("Auto Rectify");
+  AutoRectifyResult r = RunAutoRectify(s, rect, kAutoFromEvents, &progress);
+
+  if (ctx.json) {
+    nlohmann::json rows = nlohmann::json::array();
+    for (const auto& row : r.Rows)
+      rows.push_back({{"time", row.Time},
+                      {"timeText", J(row.TimeText)},
+                      {"plusMinusMinutes", row.PlusMinusMinutes},
+                      {"ascendant", {row.Asc[0], row.Asc[1]}},
+                      {"midheaven", {row.MC[0], row.MC[1]}},
+                      {"transits", row.Transits},
+                      {"secondaryProgressions", row.Progressions},
+                      {"solarArcs", row.SolarArcs},
+                      {"overall", row.Overall}});
+    nlohmann::json out{{"failed", !r.Finished},
+                       {"cancelled", r.Cancelled},
+                       {"status", J(r.Status)},
+                       {"rows", rows},
+                       {"ephemerisCalls", r.EphemerisCalls}};
+    out["best"] = r.Rows.empty() ? nlohmann::json(nullptr) : nlohmann::json(r.Rows.front().Time);
+    ctx.PrintJson(out);
+  } else {
+    std::ostringstream t;
+    t << "Auto Rectify Report - " << s.project.Header.Title << "\n\n"
+      << "Suggested Chart Times and Angles\n"
+      << std::left << std::setw(23) << "Time" << std::setw(24) << "Ascendant" << std::setw(24) << "Midheaven"
+      << std::right << std::setw(9) << "Transits" << std::setw(10) << "Sec.Progs" << std::setw(11) << "Solar Arcs"
+      << std::setw(8) << "OverAll" << "\n";
+    for (const auto& row : r.Rows) {
+      std::string time = row.TimeText + " +/- " + std::to_string(row.PlusMinusMinutes) + " min";
+      t << std::left << std::setw(23) << time << std::setw(24) << Range(s, row.Asc) << std::setw(24)
+        << Range(s, row.MC) << std::right << std::setw(9) << ScorePercent(row.Transits) << std::setw(10)
+        << ScorePercent(row.Progressions) << std::setw(11) << ScorePercent(row.SolarArcs) << std::setw(8)
+        << ScorePercent(row.Overall) << "\n";
+    }
+    t << "\n" << r.Status << "\n";
+    std::cout << ForTerminal(t.str());
+  }
+  return r.Finished ? kExitOk : kExitFailed;
+}
+
 }  // namespace
 
 void AddRectifyAutoCommands(CLI::App& rectify, Context& ctx, Action& action) {
@@ -42,6 +98,11 @@ void AddRectifyAutoCommands(CLI::App& rectify, Context& ctx, Action& action) {
   auto* viability = rectify.add_subcommand("viability", "Print the rectification viability report of a project");
   viability->add_option("project", *path, "The project's .dat file")->required();
   viability->callback([&ctx, &action, path] { action = [&ctx, path] { return RunViability(ctx, *path); }; });
+
+  auto autoPath = std::make_shared<std::string>();
+  auto* autoRun = rectify.add_subcommand("auto", "Run Auto Rectify and print the ranked birth times");
+  autoRun->add_option("project", *autoPath, "The project's .dat file")->required();
+  autoRun->callback([&ctx, &action, autoPath] { action = [&ctx, autoPath] { return RunAuto(ctx, *autoPath); }; });
 }
 
 }  // namespace vintar::cli

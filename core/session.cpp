@@ -75,7 +75,8 @@ void StartSession(Session& session, const StartupOptions& options) {
   paths.PreferenceFile = paths.ConfigDir + "VINTAR2.INI";
   paths.SystemDataPath =
       options.SystemDataPath.empty() ? DefaultSystemDataDir() : EnsureBackslash(options.SystemDataPath);
-  paths.UserDataPath = DefaultUserDataDir();
+  paths.UserDataPath =
+      options.UserDataPath.empty() ? DefaultUserDataDir() : EnsureBackslash(options.UserDataPath);
 
   // A moved installation repairs its key.
   std::string stored = GetPreferenceText(session, "SystemDataPath", "");

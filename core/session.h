@@ -81,6 +81,7 @@ class Session {
 struct StartupOptions {
   std::string ConfigDir;
   std::string SystemDataPath;
+  std::string UserDataPath;
   std::string CommandLine;  // searched for NORECTS and DOFILL
 };
 

@@ -71,6 +71,8 @@ TEST(ComputePositions, MissingAsteroidFilesStaySilentAtMinusOne) {
   EXPECT_EQ(t.session.charts.Longitude[kGeocentric][1][17], -1.0) << "Hygeia is not in the basic files";
   EXPECT_EQ(t.session.charts.Longitude[kGeocentric][1][18], -1.0) << "nor Astraea";
   EXPECT_GE(t.session.charts.Longitude[kGeocentric][1][16], 0.0) << "Ceres is";
+  EXPECT_EQ(t.session.charts.Longitude[kHeliocentric][1][kTrueNode], -1.0) << "the nodes have no heliocentric place";
+  EXPECT_EQ(t.session.charts.Longitude[kHeliocentric][1][kMeanNode], -1.0);
   EXPECT_TRUE(t.sink.messages.empty());
 }
 
@@ -102,9 +104,8 @@ TEST(ComputePositions, RetrogradeOnlyFromMercuryOn) {
 
 TEST(ComputePositions, ADateBeyondTheFilesGivesOneMessage) {
   TestSession t;
-  // The mean node is analytical and computes at any date (and the library
-  // answers the heliocentric nodes with zeros), so a full chart stays silent;
-  // only a run in which every body failed speaks.
+  // The mean node is analytical and computes at any date, so a full chart
+  // stays silent; only a run in which every body failed speaks.
   ComputePositions(t.session, 1, 0, 0, TFromJD(JulDay(1, 1, 9000)), 0.0);
   EXPECT_TRUE(t.sink.messages.empty());
   EXPECT_EQ(t.session.charts.Longitude[kGeocentric][1][kSun], -1.0);

@@ -2,10 +2,10 @@
 // stderr and in the JSON, and that a failed save damages nothing.
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sys/wait.h>
 
 #include <cstdlib>
 
+#include "cli/cli_runner.h"
 #include "support/test_support.h"
 
 namespace vintar {
@@ -14,32 +14,12 @@ namespace {
 using testing::ReadBytes;
 using testing::TempDir;
 using testing::WriteBytes;
-
-struct CliRun {
-  int status = -1;
-  std::string out, err;
-  nlohmann::json json() const { return nlohmann::json::parse(out); }
-};
-
-std::string Quote(const std::string& s) {
-  std::string q = "'";
-  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
+using testing::CliRun;
+using testing::RunVintar;
 
 class Cli : public ::testing::Test {
  protected:
-  CliRun Vintar(const std::vector<std::string>& args) {
-    std::string command = "VINTAR_CONFIG_DIR=" + Quote(dir.file("config")) + " " + Quote(VINTAR_CLI_PATH);
-    for (const auto& a : args) command += " " + Quote(a);
-    command += " >" + Quote(dir.file("out")) + " 2>" + Quote(dir.file("err")) + " </dev/null";
-    CliRun r;
-    int raw = std::system(command.c_str());
-    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    r.out = ReadBytes(dir.file("out"));
-    r.err = ReadBytes(dir.file("err"));
-    return r;
-  }
+  CliRun Vintar(const std::vector<std::string>& args) { return RunVintar(dir, args); }
   TempDir dir;
 };
 

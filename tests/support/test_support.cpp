@@ -38,6 +38,7 @@ TestSession::TestSession() {
   StartupOptions options;
   options.ConfigDir = dir.file("config");
   options.SystemDataPath = VINTAR_SOURCE_DATA_DIR;
+  options.UserDataPath = dir.file("userdata");
   StartSession(session, options);
   session.clock = Clock{2026, 11, 22, 10, 30, 0};
   sink.Clear();

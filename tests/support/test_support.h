@@ -27,8 +27,8 @@ class TempDir {
 std::string ReadBytes(const std::string& path);
 void WriteBytes(const std::string& path, const std::string& bytes);
 
-// A session started on a temporary configuration folder and the repository's
-// data folder, with the clock fixed at 22 November 2026 10:30 and every
+// A session started on temporary configuration and user data folders and
+// the repository's data folder, with the clock fixed at 22 November 2026 10:30 and every
 // message captured in `sink`.
 struct TestSession {
   TestSession();

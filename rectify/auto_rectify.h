@@ -1,0 +1,62 @@
+// Auto Rectify: the manual rectification procedure run without the user.
+// Event graphs of transits in both frames, their common peaks, the candidate
+// angles and local times inside the natal time limits, then for each
+// candidate time a search of transits, secondary progressions and solar arc
+// directions, each scored by the share of hits that fell on events, and the
+// candidates ranked by an overall score.
+//
+// Times are local decimal hours of the natal date; scores are fractions
+// (0.25 shows as 25%). Candidate charts are cast through CalcChart, so their
+// moments are universal time without delta-T.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "core/progress.h"
+#include "core/session.h"
+#include "rectify/rectification.h"
+
+namespace vintar {
+
+// Where a run starts: 0 from the events, 1 from the peaks of graphs 4 and 5
+// already built, 2 from the candidate list that SearchAngles already made.
+inline constexpr int kAutoFromEvents = 0, kAutoFromPeaks = 1, kAutoFromCandidates = 2;
+
+// One row of the ranked result, in report order.
+struct AutoRectifyRow {
+  int Candidate = 0;          // index into the AngleResult arrays
+  double Time = 0;            // mid time of the candidate, local hours
+  std::string TimeText;       // as the chart was cast
+  int PlusMinusMinutes = 0;   // half the candidate's time range
+  std::array<float, 2> Asc{}, MC{};
+  float Transits = 0;         // T: share of transit hits on events
+  float Progressions = 0;     // S: secondary progressions, divided by the largest hit total
+  float SolarArcs = 0;        // D shown in the report: solar arcs, divided by the largest hit total
+  float Overall = 0;
+};
+
+struct AutoRectifyResult {
+  // Scores[c][type]: the ratio of SearchTotals for candidate c (from 1) and
+  // dynamic type 0 to 3; tertiary progressions (2) are never searched.
+  std::vector<std::array<float, 4>> Scores;
+  std::vector<float> Overall;
+  std::vector<int32_t> Order;  // candidates by Overall, highest first
+  float MaxSec = 1.0f, MaxDir = 1.0f;
+  std::vector<AutoRectifyRow> Rows;
+  std::string Status;         // the last status line, as the screen shows it
+  bool Finished = false;      // all three passes ran over every candidate
+  bool Cancelled = false;     // the user stopped the run
+  uint64_t EphemerisCalls = 0;
+};
+
+// The whole run. Status lines go to `progress` as they change; so does the
+// cancel request, which ends the run as the stop button does.
+AutoRectifyResult RunAutoRectify(Session& session, Rectification& rect, int mode, Progress* progress = nullptr);
+
+// The overall score of one candidate from its three ratios: the lowest of
+// T, S and D is left out and the other two averaged.
+float OverallScore(float transits, float progressions, float solarArcs);
+
+}  // namespace vintar

@@ -1,2 +1,0 @@
-// Placeholder so that the library has a source until its modules land.
-namespace vintar {}
