@@ -26,9 +26,22 @@ constexpr Pass kPasses[3] = {{kTransits, "Transit Search for Chart Time "},
                              {kSecondary, "Secondary Progressions Search for Chart Time "},
                              {kSolarArc, "Solar Arc Directions Search for Chart Time "}};
 
+// Hands the run's cancel request to the steps inside it (cache builds,
+// searches) without letting them overwrite the run's own status line.
+class CancelOnly : public Progress {
+ public:
+  explicit CancelOnly(Progress* inner) : inner_(inner) {}
+  bool Cancelled() override { return inner_ && inner_->Cancelled(); }
+
+ private:
+  Progress* inner_;
+};
+
 class RunStatus {
  public:
-  RunStatus(AutoRectifyResult& result, Progress* progress) : result_(result), progress_(progress) {}
+  RunStatus(AutoRectifyResult& result, Progress* progress)
+      : result_(result), progress_(progress), cancelOnly_(progress) {}
+  Progress* Inner() { return &cancelOnly_; }
   void Say(const std::string& text) {
     result_.Status = text;
     if (progress_) progress_->Status(text);
@@ -44,6 +57,7 @@ class RunStatus {
  private:
   AutoRectifyResult& result_;
   Progress* progress_;
+  CancelOnly cancelOnly_;
 };
 
 std::string HoursText(const Session& session, double hours) {
@@ -73,7 +87,7 @@ bool GraphStage(Session& session, GraphState& graphs, RunStatus& status) {
   }
   for (int g : kAutoGraphs) {
     bool cancelled = false;
-    CalcGraphEvents(session, graphs, g, cancelled);
+    CalcGraphEvents(session, graphs, g, cancelled, status.Inner());
     if (cancelled || status.Cancelled()) return false;
     for (int first = 6; first <= 8; ++first) {
       SelectOnlyPoints(graphs, g, first, kPluto);
@@ -138,7 +152,7 @@ bool SearchStage(Session& session, Rectification& rect, AutoRectifyResult& resul
       status.Fraction(done++ / steps);
       if (!CalcChart(session, kRadixSlot, h.Date, HoursText(session, time), h.ZoneTime, h.Longitude, h.Latitude))
         return false;
-      DynamicSearchNew(session, search, pass.type, from, to);
+      DynamicSearchNew(session, search, pass.type, from, to, status.Inner());
       if (search.Cancelled || status.Cancelled()) {
         result.Cancelled = true;
         return false;

@@ -58,10 +58,10 @@ std::vector<double> HardAspectDays(int body, double target, double from, double 
   return days;
 }
 
-TEST(RunAutoRectify, FindsTheTimeOfAChartWhoseAnglesTheEventsHit) {
-  TestSession t;
+// A life whose events fall on every hard transit of Saturn, Uranus, Neptune
+// and Pluto to the angles of a chart cast for 10 June 1950, 14:20 GMT, London.
+void BuildKnownLife(TestSession& t) {
   Session& s = t.session;
-  // The chart to be found: 10 June 1950, 14:20 GMT, London.
   ProjectHeader& h = s.project.Header;
   h.Title = "Known chart";
   h.Name = "Test Person";
@@ -102,7 +102,12 @@ TEST(RunAutoRectify, FindsTheTimeOfAChartWhoseAnglesTheEventsHit) {
     e.JulianDay = RecordJulianDay(e);
   }
   h.RecordCount = static_cast<int32_t>(days.size());
+}
 
+TEST(RunAutoRectify, FindsTheTimeOfAChartWhoseAnglesTheEventsHit) {
+  TestSession t;
+  Session& s = t.session;
+  BuildKnownLife(t);
   Rectification rect;
   AutoRectifyResult r = RunAutoRectify(s, rect, kAutoFromEvents);
   ASSERT_TRUE(r.Finished) << r.Status;
@@ -113,6 +118,27 @@ TEST(RunAutoRectify, FindsTheTimeOfAChartWhoseAnglesTheEventsHit) {
   EXPECT_NEAR(best, 14 + 20 / 60.0, 0.25) << "within a quarter of an hour of 14:20";
   EXPECT_EQ(r.Status, "Finished - Best Scoring Birth Time: " + r.Rows.front().TimeText);
   for (size_t i = 1; i < r.Rows.size(); ++i) EXPECT_GE(r.Rows[i - 1].Overall, r.Rows[i].Overall);
+}
+
+// Stops the run when the first transit search begins.
+class StopAtTransits : public Progress {
+ public:
+  void Status(const std::string& text) override { stop_ = stop_ || text.rfind("Transit Search", 0) == 0; }
+  bool Cancelled() override { return stop_; }
+
+ private:
+  bool stop_ = false;
+};
+
+TEST(RunAutoRectify, AStopEndsTheRunAndSaysSo) {
+  TestSession t;
+  BuildKnownLife(t);
+  Rectification rect;
+  StopAtTransits stop;
+  AutoRectifyResult r = RunAutoRectify(t.session, rect, kAutoFromEvents, &stop);
+  EXPECT_TRUE(r.Cancelled);
+  EXPECT_FALSE(r.Finished);
+  EXPECT_EQ(r.Status, "Search Terminated by User");
 }
 
 TEST(RunAutoRectify, NoEventsMeansNoAngles) {
