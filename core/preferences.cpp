@@ -133,19 +133,87 @@ std::string NumberText(double number) {
   return std::string(buffer, result.ptr);
 }
 
-int16_t Flag(const Session& session, const char* key, int16_t def) {
-  return static_cast<int16_t>(GetPreferenceInteger(session, key, def));
+// Readers over one profile, shared by the single-key functions below and by
+// LoadPreferences, which reads the file once for all its keys.
+std::string TextFrom(const ProfileFile& profile, const std::string& section, const std::string& key,
+                     const std::string& def) {
+  std::string value;
+  if (!profile.Get(section, key, value)) value = def;
+  if (value.size() > 254) value.resize(254);
+  return value;
 }
+
+std::string PreferenceTextFrom(const ProfileFile& profile, const std::string& key, const std::string& def,
+                               int capacity) {
+  std::string value = TextFrom(profile, "Vintar", key, def);
+  if (capacity > 0 && static_cast<int>(value.size()) > capacity - 1) value.resize(capacity - 1);
+  return Trim(value);
+}
+
+long PreferenceIntegerFrom(const ProfileFile& profile, const std::string& key, long def) {
+  std::string value;
+  if (!profile.Get("Vintar", key, value)) return def;
+  double v = Val(value);
+  if (v > 2147483647.0 || v < -2147483648.0) return def;
+  return static_cast<long>(v);
+}
+
+double PreferenceFloatFrom(const ProfileFile& profile, const std::string& key, double def) {
+  std::string text = PreferenceTextFrom(profile, key, "", 21);
+  return text.empty() ? def : Val(text);
+}
+
+// The keys of section Vintar after the three folders, in load order, each
+// bound to its field. The recent files are a list of four pairs.
+struct PreferenceKey {
+  const char* name;
+  int16_t Preferences::*integer = nullptr;
+  float Preferences::*number = nullptr;
+  std::string Preferences::*text = nullptr;
+  bool recentFiles = false;
+};
+
+const PreferenceKey kKeys[] = {
+    {"SaveOnExit", &Preferences::SaveOnExit},
+    {"Sound", &Preferences::Sound},
+    {"Prompt", &Preferences::Prompt},
+    {"TrueNode", &Preferences::TrueNode},
+    {"MonthFirst", &Preferences::MonthFirst},
+    {"AutoSave", &Preferences::AutoSave},
+    {"CUAKeys", &Preferences::CUAKeys},
+    {"AMPM", &Preferences::AMPM},
+    {"PreferACSEmbedded", &Preferences::PreferACSEmbedded},
+    {"Houses", &Preferences::Houses},
+    {"Progressions", &Preferences::Progressions},
+    {"PointOnCusp", &Preferences::PointOnCusp},
+    {"WhichCusp", &Preferences::WhichCusp},
+    {"Zodiac", &Preferences::Zodiac},
+    {"UserAyan", nullptr, &Preferences::UserAyan},
+    {"DynInterval", nullptr, &Preferences::DynInterval},
+    {"DynStepDays", &Preferences::DynStepDays},
+    {"WordProc", nullptr, nullptr, &Preferences::WordProc},
+    {"FilePath/FileName", nullptr, nullptr, nullptr, true},
+    {"MinPeakWidth", &Preferences::MinPeakWidth},
+    {"PeakSDFactor", nullptr, &Preferences::PeakSDFactor},
+    {"ForcePeakSDFactor", nullptr, &Preferences::ForcePeakSDFactor},
+    {"MaxPeaks", &Preferences::MaxPeaks},
+    {"MaxGapBars", &Preferences::MaxGapBars},
+    {"AddCommonBars", &Preferences::AddCommonBars},
+    {"HCTTFont", nullptr, nullptr, &Preferences::HCTTFont},
+    {"AutoAtlasLookup", &Preferences::AutoAtlasLookup},
+    {"UseACS", &Preferences::UseACS},
+    {"UranusGlyph", nullptr, nullptr, &Preferences::UranusGlyph},
+    {"PlutoGlyph", nullptr, nullptr, &Preferences::PlutoGlyph},
+    {"CapricornGlyph", nullptr, nullptr, &Preferences::CapricornGlyph},
+};
+
+std::string RecentKey(const char* kind, int i) { return kind + std::to_string(i); }
 
 }  // namespace
 
 std::string GetProfileText(const Session& session, const std::string& section, const std::string& key,
                            const std::string& def, const std::string& file) {
-  ProfileFile profile(FileOrPreferences(session, file));
-  std::string value;
-  if (!profile.Get(section, key, value)) value = def;
-  if (value.size() > 254) value.resize(254);
-  return value;
+  return TextFrom(ProfileFile(FileOrPreferences(session, file)), section, key, def);
 }
 
 double GetProfileNumber(const Session& session, const std::string& section, const std::string& key, double def,
@@ -171,84 +239,58 @@ bool PutProfileNumber(const Session& session, const std::string& section, const 
 
 std::string GetPreferenceText(const Session& session, const std::string& key, const std::string& def,
                               int capacity) {
-  std::string value = GetProfileText(session, "Vintar", key, def);
-  if (capacity > 0 && static_cast<int>(value.size()) > capacity - 1) value.resize(capacity - 1);
-  return Trim(value);
+  return PreferenceTextFrom(ProfileFile(session.paths.PreferenceFile), key, def, capacity);
 }
 
 long GetPreferenceInteger(const Session& session, const std::string& key, long def) {
-  std::string value;
-  ProfileFile profile(session.paths.PreferenceFile);
-  if (!profile.Get("Vintar", key, value)) return def;
-  double v = Val(value);
-  if (v > 2147483647.0 || v < -2147483648.0) return def;
-  return static_cast<long>(v);
+  return PreferenceIntegerFrom(ProfileFile(session.paths.PreferenceFile), key, def);
 }
 
 double GetPreferenceFloat(const Session& session, const std::string& key, double def) {
-  std::string text = GetPreferenceText(session, key, "", 21);
-  if (text.empty()) return def;
-  return Val(text);
+  return PreferenceFloatFrom(ProfileFile(session.paths.PreferenceFile), key, def);
 }
 
 void LoadPreferences(Session& session) {
   Preferences& p = session.prefs;
   const Preferences defaults;
+  const ProfileFile profile(session.paths.PreferenceFile);
 
   // The data folders. The system folder is where the program's data is
   // installed; a stale key written by a moved installation is repaired at
   // start-up, so what is read here is normally that folder already.
-  p.SystemDataPath = EnsureBackslash(GetPreferenceText(session, "SystemDataPath", session.paths.SystemDataPath));
+  p.SystemDataPath = EnsureBackslash(PreferenceTextFrom(profile, "SystemDataPath", session.paths.SystemDataPath, 255));
   if (!FolderExists(p.SystemDataPath)) p.SystemDataPath = session.paths.SystemDataPath;
 
   // The ephemeris: the key, else Debian's ephemeris folder.
-  p.SwissEphPath = GetPreferenceText(session, "SwissEphPath", "");
+  p.SwissEphPath = PreferenceTextFrom(profile, "SwissEphPath", "", 255);
   if (p.SwissEphPath.empty() || !FolderExists(p.SwissEphPath)) p.SwissEphPath = "/usr/share/libswe/ephe/";
   p.SwissEphPath = EnsureBackslash(p.SwissEphPath);
 
-  std::string userDefault = session.paths.UserDataPath;
-  p.UserDataPath = EnsureBackslash(GetPreferenceText(session, "UserDataPath", userDefault));
+  p.UserDataPath = EnsureBackslash(PreferenceTextFrom(profile, "UserDataPath", session.paths.UserDataPath, 255));
 
-  p.SaveOnExit = Flag(session, "SaveOnExit", defaults.SaveOnExit);
-  p.Sound = Flag(session, "Sound", defaults.Sound);
-  p.Prompt = Flag(session, "Prompt", defaults.Prompt);
-  p.TrueNode = Flag(session, "TrueNode", defaults.TrueNode);
-  p.MonthFirst = Flag(session, "MonthFirst", defaults.MonthFirst);
-  p.AutoSave = Flag(session, "AutoSave", defaults.AutoSave);
-  p.CUAKeys = Flag(session, "CUAKeys", defaults.CUAKeys);
-  p.AMPM = Flag(session, "AMPM", defaults.AMPM);
+  for (const PreferenceKey& k : kKeys) {
+    if (k.integer)
+      p.*k.integer = static_cast<int16_t>(PreferenceIntegerFrom(profile, k.name, defaults.*k.integer));
+    else if (k.number)
+      p.*k.number = static_cast<float>(PreferenceFloatFrom(profile, k.name, defaults.*k.number));
+    else if (k.text)
+      p.*k.text = PreferenceTextFrom(profile, k.name, defaults.*k.text, 255);
+    else if (k.recentFiles)
+      for (int i = 1; i <= 4; ++i) {
+        p.FilePath[i] = PreferenceTextFrom(profile, RecentKey("FilePath", i), "", 255);
+        p.FileName[i] = PreferenceTextFrom(profile, RecentKey("FileName", i), "", 255);
+      }
+  }
+
   // No atlas library is installed with this program, so the embedded atlas
   // preference is forced on.
   p.PreferACSEmbedded = -1;
-  p.Houses = static_cast<int16_t>(ClampInteger(Flag(session, "Houses", defaults.Houses), 0, 14));
-  p.Progressions = static_cast<int16_t>(ClampInteger(Flag(session, "Progressions", defaults.Progressions), 1, 3));
-  p.PointOnCusp = static_cast<int16_t>(ClampInteger(Flag(session, "PointOnCusp", defaults.PointOnCusp), 1, 24));
-  p.WhichCusp = Flag(session, "WhichCusp", defaults.WhichCusp);
+  p.Houses = static_cast<int16_t>(ClampInteger(p.Houses, 0, 14));
+  p.Progressions = static_cast<int16_t>(ClampInteger(p.Progressions, 1, 3));
   // The cusp's clamp lands in the point of the user house system: after a
-  // load the point holds the cusp's value.
+  // load the point holds the cusp's value, and the cusp stays as read.
   p.PointOnCusp = static_cast<int16_t>(ClampInteger(p.WhichCusp, 1, 12));
-  p.Zodiac = static_cast<int16_t>(ClampInteger(Flag(session, "Zodiac", defaults.Zodiac), 1, 9));
-  p.UserAyan = static_cast<float>(GetPreferenceFloat(session, "UserAyan", defaults.UserAyan));
-  p.DynInterval = static_cast<float>(GetPreferenceFloat(session, "DynInterval", defaults.DynInterval));
-  p.DynStepDays = Flag(session, "DynStepDays", defaults.DynStepDays);
-  p.WordProc = GetPreferenceText(session, "WordProc", "");
-  for (int i = 1; i <= 4; ++i) {
-    p.FilePath[i] = GetPreferenceText(session, "FilePath" + std::to_string(i), "");
-    p.FileName[i] = GetPreferenceText(session, "FileName" + std::to_string(i), "");
-  }
-  p.MinPeakWidth = Flag(session, "MinPeakWidth", defaults.MinPeakWidth);
-  p.PeakSDFactor = static_cast<float>(GetPreferenceFloat(session, "PeakSDFactor", defaults.PeakSDFactor));
-  p.ForcePeakSDFactor =
-      static_cast<float>(GetPreferenceFloat(session, "ForcePeakSDFactor", defaults.ForcePeakSDFactor));
-  p.MaxPeaks = Flag(session, "MaxPeaks", defaults.MaxPeaks);
-  p.MaxGapBars = Flag(session, "MaxGapBars", defaults.MaxGapBars);
-  p.AddCommonBars = Flag(session, "AddCommonBars", defaults.AddCommonBars);
-  p.HCTTFont = GetPreferenceText(session, "HCTTFont", defaults.HCTTFont);
-  p.AutoAtlasLookup = Flag(session, "AutoAtlasLookup", defaults.AutoAtlasLookup);
-  p.UseACS = Flag(session, "UseACS", defaults.UseACS);
-  p.UranusGlyph = GetPreferenceText(session, "UranusGlyph", defaults.UranusGlyph);
-  p.PlutoGlyph = GetPreferenceText(session, "PlutoGlyph", defaults.PlutoGlyph);
-  p.CapricornGlyph = GetPreferenceText(session, "CapricornGlyph", defaults.CapricornGlyph);
+  p.Zodiac = static_cast<int16_t>(ClampInteger(p.Zodiac, 1, 9));
 }
 
 bool SavePreferences(Session& session) {
@@ -299,45 +341,19 @@ void RestorePreferencesCommand(Session& session) {
 
 std::vector<std::pair<std::string, std::string>> PreferenceListing(const Preferences& p) {
   std::vector<std::pair<std::string, std::string>> list = {
-      {"SystemDataPath", p.SystemDataPath},
-      {"SwissEphPath", p.SwissEphPath},
-      {"UserDataPath", p.UserDataPath},
-      {"SaveOnExit", std::to_string(p.SaveOnExit)},
-      {"Sound", std::to_string(p.Sound)},
-      {"Prompt", std::to_string(p.Prompt)},
-      {"TrueNode", std::to_string(p.TrueNode)},
-      {"MonthFirst", std::to_string(p.MonthFirst)},
-      {"AutoSave", std::to_string(p.AutoSave)},
-      {"CUAKeys", std::to_string(p.CUAKeys)},
-      {"AMPM", std::to_string(p.AMPM)},
-      {"PreferACSEmbedded", std::to_string(p.PreferACSEmbedded)},
-      {"Houses", std::to_string(p.Houses)},
-      {"Progressions", std::to_string(p.Progressions)},
-      {"PointOnCusp", std::to_string(p.PointOnCusp)},
-      {"WhichCusp", std::to_string(p.WhichCusp)},
-      {"Zodiac", std::to_string(p.Zodiac)},
-      {"UserAyan", NumberText(p.UserAyan)},
-      {"DynInterval", NumberText(p.DynInterval)},
-      {"DynStepDays", std::to_string(p.DynStepDays)},
-      {"WordProc", p.WordProc},
-  };
-  for (int i = 1; i <= 4; ++i) list.emplace_back("FilePath" + std::to_string(i), p.FilePath[i]);
-  for (int i = 1; i <= 4; ++i) list.emplace_back("FileName" + std::to_string(i), p.FileName[i]);
-  std::vector<std::pair<std::string, std::string>> rest = {
-      {"MinPeakWidth", std::to_string(p.MinPeakWidth)},
-      {"PeakSDFactor", NumberText(p.PeakSDFactor)},
-      {"ForcePeakSDFactor", NumberText(p.ForcePeakSDFactor)},
-      {"MaxPeaks", std::to_string(p.MaxPeaks)},
-      {"MaxGapBars", std::to_string(p.MaxGapBars)},
-      {"AddCommonBars", std::to_string(p.AddCommonBars)},
-      {"HCTTFont", p.HCTTFont},
-      {"AutoAtlasLookup", std::to_string(p.AutoAtlasLookup)},
-      {"UseACS", std::to_string(p.UseACS)},
-      {"UranusGlyph", p.UranusGlyph},
-      {"PlutoGlyph", p.PlutoGlyph},
-      {"CapricornGlyph", p.CapricornGlyph},
-  };
-  list.insert(list.end(), rest.begin(), rest.end());
+      {"SystemDataPath", p.SystemDataPath}, {"SwissEphPath", p.SwissEphPath}, {"UserDataPath", p.UserDataPath}};
+  for (const PreferenceKey& k : kKeys) {
+    if (k.integer)
+      list.emplace_back(k.name, std::to_string(p.*k.integer));
+    else if (k.number)
+      list.emplace_back(k.name, NumberText(p.*k.number));
+    else if (k.text)
+      list.emplace_back(k.name, p.*k.text);
+    else if (k.recentFiles) {
+      for (int i = 1; i <= 4; ++i) list.emplace_back(RecentKey("FilePath", i), p.FilePath[i]);
+      for (int i = 1; i <= 4; ++i) list.emplace_back(RecentKey("FileName", i), p.FileName[i]);
+    }
+  }
   return list;
 }
 
