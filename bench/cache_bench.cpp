@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "calc/cache.h"
+#include "calc/chart.h"
 #include "calc/calendar.h"
 #include "calc/dynamic.h"
 #include "calc/ephemeris.h"
@@ -126,11 +127,10 @@ std::vector<Call> RecalculationCalls(BenchProject& b, int coordinate, int type) 
     }
     EventPositionRecord r;
     ReadCacheRecord(b.File(coordinate, type), n, r);
-    static const int kBody[] = {-1, 1, 14, 0, 2, 3, 4, 5, 6, 7, 8, 9, 15, 20, 18, 19, 17, 10010, 10005, 11, 10};
     for (int point = 4; point <= kMeanNode; ++point)
       if (r.Motion[point] == 0) {
-        if (point < kTrueNode) calls.push_back({jd, kBody[point], kFlagSpeed | kFlagHeliocentric});
-        calls.push_back({jd, kBody[point], kFlagSpeed});
+        if (point < kTrueNode) calls.push_back({jd, EphemerisBody(point), kFlagSpeed | kFlagHeliocentric});
+        calls.push_back({jd, EphemerisBody(point), kFlagSpeed});
       }
   }
   return calls;

@@ -50,6 +50,8 @@ void StorePosition(Session& session, int coordinate, int slot, int point, double
 
 }  // namespace
 
+int EphemerisBody(int point) { return point >= 1 && point <= kPoints ? kBodyOfPoint[point] : -1; }
+
 bool CheckSwissResult(Session& session, int value, std::string& message, bool quiet) {
   if (value >= 0) return false;
   message = std::string("Unable to calculate planetary position. The requested date may be out of range of the "

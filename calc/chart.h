@@ -24,6 +24,10 @@ namespace vintar {
 // get -1.0. Shows the ephemeris message only when every body failed.
 void ComputePositions(Session& session, int slot, int firstPoint, int lastPoint, double T, double siderealOffset);
 
+// The ephemeris body number of a point, -1 for the angles (21 to 24), which
+// are this program's own.
+int EphemerisBody(int point);
+
 // One body's longitude (0 up to 360) at T with the caller's flags; -1.0 on failure.
 double PlanetLongitude(Session& session, double T, int body, int flags);
 

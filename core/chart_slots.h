@@ -21,7 +21,8 @@ inline constexpr int kGeocentric = 1;
 inline constexpr int kHeliocentric = 2;
 
 // Point numbers with a meaning of their own in the calculations.
-inline constexpr int kMoon = 1, kEarth = 2, kSun = 3, kMercury = 4, kVenus = 5, kPluto = 11, kChiron = 12,
+inline constexpr int kMoon = 1, kEarth = 2, kSun = 3, kMercury = 4, kVenus = 5, kMars = 6, kJupiter = 7,
+                     kSaturn = 8, kUranus = 9, kNeptune = 10, kPluto = 11, kChiron = 12,
                      kTrueNode = 19, kMeanNode = 20, kAscendant = 21, kMidheaven = 22, kVertex = 23,
                      kEastPoint = 24;
 

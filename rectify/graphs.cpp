@@ -13,7 +13,6 @@
 namespace vintar {
 namespace {
 
-constexpr int kMars = 6;
 constexpr int kPlutoPoint = 11;
 constexpr int kSettingsFlagsBytes = 2 * kPoints * kHeliocentric * kShownGraphs;
 constexpr int kSettingsBytes = kSettingsFlagsBytes + 2 + kShownGraphs * (2 + 4 + 4);

@@ -13,6 +13,7 @@
 #include "calc/calendar.h"
 #include "calc/dynamic.h"
 #include "calc/ephemeris.h"
+#include "calc/oracle.h"
 #include "support/test_support.h"
 
 namespace vintar {
@@ -23,15 +24,7 @@ using testing::TempDir;
 using testing::TestSession;
 using testing::WriteBytes;
 
-constexpr int kMars = 6;
-
-double Oracle(int body, double jd, double* speed = nullptr) {
-  double xx[6];
-  std::string error;
-  EXPECT_GE(EphemerisCalc(jd, body, kFlagSpeed, xx, error), 0) << error;
-  if (speed) *speed = xx[3];
-  return xx[0];
-}
+double Oracle(int body, double jd, double* speed = nullptr) { return testing::LibraryLongitude(body, jd, speed); }
 
 EventRecord Event(int year, int month, int day, int accuracy, int range = 0, int hour = 12, int minute = 0) {
   EventRecord e;

@@ -9,6 +9,7 @@
 #include "calc/chart.h"
 #include "calc/dynamic.h"
 #include "calc/ephemeris.h"
+#include "calc/oracle.h"
 #include "support/test_support.h"
 
 namespace vintar {
@@ -17,7 +18,6 @@ namespace {
 using testing::AngleDiff;
 using testing::TestSession;
 
-constexpr int kMars = 6, kJupiter = 7;
 
 struct Fixture {
   TestSession t;
@@ -27,12 +27,7 @@ struct Fixture {
 
 // The geocentric longitude and speed of a point straight from the library.
 double Oracle(int point, double jd, double* speed = nullptr) {
-  static const int kBody[] = {-1, 1, 14, 0, 2, 3, 4, 5, 6, 7, 8, 9, 15, 20, 18, 19, 17, -1, -1, 11, 10};
-  double xx[6];
-  std::string error;
-  EXPECT_GE(EphemerisCalc(jd, kBody[point], kFlagSpeed, xx, error), 0) << error;
-  if (speed) *speed = xx[3];
-  return xx[0];
+  return testing::LibraryLongitude(EphemerisBody(point), jd, speed);
 }
 
 // A station of a planet after `from`: bisection on the sign of its speed.

@@ -4,6 +4,11 @@
 #pragma once
 
 #include <array>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "calc/ephemeris.h"
 
 namespace vintar::testing {
 
@@ -18,5 +23,15 @@ struct OracleHouses {
 // 'B' Alcabitius, 'M' Morinus, 'X' axial rotation, 'T' Polich/Page
 // topocentric, 'S' Sripati). All angles in degrees, tropical.
 OracleHouses LibraryHouses(double ramc, double latitude, double obliquity, char letter);
+
+// A body's geocentric longitude (and speed) straight from the library, for
+// checking positions that went through the program's own plumbing.
+inline double LibraryLongitude(int body, double jd, double* speed = nullptr) {
+  double xx[6] = {0, 0, 0, 0, 0, 0};
+  std::string error;
+  EXPECT_GE(EphemerisCalc(jd, body, kFlagSpeed, xx, error), 0) << error;
+  if (speed) *speed = xx[3];
+  return xx[0];
+}
 
 }  // namespace vintar::testing

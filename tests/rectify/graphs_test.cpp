@@ -23,7 +23,6 @@ using testing::TempDir;
 using testing::TestSession;
 using testing::WriteBytes;
 
-constexpr int kMars = 6;
 
 // A cache record with every point missing except those given.
 struct Point {

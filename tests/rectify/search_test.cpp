@@ -13,6 +13,7 @@
 #include "core/parse.h"
 #include "core/progress.h"
 #include "rectify/search.h"
+#include "calc/oracle.h"
 #include "support/test_support.h"
 
 namespace vintar {
@@ -23,7 +24,6 @@ using testing::ReadBytes;
 using testing::TestSession;
 using testing::WriteBytes;
 
-constexpr int kSaturn = 8, kJupiter = 7;
 
 struct Fixture {
   TestSession t;
@@ -65,12 +65,7 @@ struct Fixture {
 };
 
 // Geocentric tropical longitude straight from the library.
-double Oracle(int body, double jd) {
-  double xx[6];
-  std::string error;
-  EXPECT_GE(EphemerisCalc(jd, body, kFlagSpeed, xx, error), 0) << error;
-  return xx[0];
-}
+double Oracle(int body, double jd) { return testing::LibraryLongitude(body, jd); }
 
 // The first date after `from` on which a body reaches `target`: daily scan
 // and bisection.
@@ -519,10 +514,9 @@ TEST(DynamicSearch, ProgressedHitsAreOnTheScaleOfLife) {
         EXPECT_LE(f.state.Hits[f.state.HitOrder[k - 1]].FirstDate, h.FirstDate);
       }
       const double eph = ProgressedJD(c.type, (h.FirstDate + h.LastDate) / 2.0, radixJD);
-      static const int kBody[] = {-1, 1, 14, 0, 2, 3, 4, 5, 6};
       const double position = c.type == kSolarArc
                                   ? f.Radix(h.DynamicPoint) + Oracle(0, eph) - radixSun
-                                  : Oracle(kBody[h.DynamicPoint], eph);
+                                  : Oracle(EphemerisBody(h.DynamicPoint), eph);
       EXPECT_NEAR(AngleDiff(position, h.TargetLon), 0.0, 0.02) << c.type << " hit " << k;
     }
   }
