@@ -13,6 +13,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "core/text.h"
+
 namespace vintar {
 
 namespace {
@@ -27,7 +29,7 @@ int32_t RoundToInt32(double x) {
   double r = std::floor(x);
   double diff = x - r;
   if (diff > 0.5 || (diff == 0.5 && std::fmod(r, 2.0) != 0.0)) r += 1.0;
-  return static_cast<int32_t>(r);
+  return ToIntSaturated(r);
 }
 
 // Degrees of ArcTan2(y, x) with the two half-turn corrections that the

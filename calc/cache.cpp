@@ -14,6 +14,7 @@
 #include "calc/calendar.h"
 #include "calc/chart.h"
 #include "calc/dynamic.h"
+#include "core/file_io.h"
 #include "core/parse.h"
 #include "core/text.h"
 
@@ -72,24 +73,21 @@ bool IsCurrent(const EventPositionRecord& c, const EventRecord& e) {
   return true;
 }
 
-// The cache file, opened once for a run. Reads go in blocks; each record is
-// written at its own place, so nothing else in the file moves. Writes are
-// queued and must be flushed before the file is let go.
-class CacheFile {
+// The old cache file, read in blocks. Records past the project's count
+// are never looked at, so a huge file costs nothing.
+class CacheReader {
  public:
-  ~CacheFile() {
-    if (fd_ < 0) return;
-    Flush();
-    ::close(fd_);
+  ~CacheReader() {
+    if (fd_ >= 0) ::close(fd_);
   }
-  bool Open(const std::string& path) {
-    fd_ = ::open(path.c_str(), O_RDWR | O_CREAT, 0666);
-    if (fd_ < 0) return false;
+  // Opens the file if there is one; an absent or unreadable file holds no records.
+  void Open(const std::string& path, long long wanted) {
+    fd_ = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd_ < 0) return;
     struct stat info {};
-    if (::fstat(fd_, &info) != 0 || !S_ISREG(info.st_mode)) return false;
+    if (::fstat(fd_, &info) != 0 || !S_ISREG(info.st_mode)) return;
     // Whole records only: a record cut short counts as absent.
-    present_ = static_cast<long long>(info.st_size) / kCacheRecordSize;
-    return true;
+    present_ = std::min<long long>(wanted, static_cast<long long>(info.st_size) / kCacheRecordSize);
   }
   long long Present() const { return present_; }
 
@@ -111,39 +109,6 @@ class CacheFile {
     return block_.data() + (n - blockFirst_) * kCacheRecordSize;
   }
 
-  // Queues record n for writing. Consecutive records go out together in one
-  // write; anything else flushes first.
-  bool Write(long long n, const unsigned char* bytes) {
-    if (pendingCount_ > 0 && (n != pendingFirst_ + pendingCount_ || pendingCount_ == kWriteRecords) && !Flush())
-      return false;
-    if (pendingCount_ == 0) pendingFirst_ = n;
-    pending_.insert(pending_.end(), bytes, bytes + kCacheRecordSize);
-    ++pendingCount_;
-    if (n >= blockFirst_ && n < blockFirst_ + blockCount_)
-      std::memcpy(block_.data() + (n - blockFirst_) * kCacheRecordSize, bytes, kCacheRecordSize);
-    return true;
-  }
-
-  // Writes what is queued, each record at its own place.
-  bool Flush() {
-    if (pendingCount_ == 0) return true;
-    size_t done = 0;
-    const off_t at = static_cast<off_t>((pendingFirst_ - 1) * kCacheRecordSize);
-    bool ok = true;
-    while (done < pending_.size()) {
-      ssize_t w = ::pwrite(fd_, pending_.data() + done, pending_.size() - done, at + static_cast<off_t>(done));
-      if (w < 0 && errno == EINTR) continue;
-      if (w <= 0) {
-        ok = false;
-        break;
-      }
-      done += static_cast<size_t>(w);
-    }
-    pending_.clear();
-    pendingCount_ = 0;
-    return ok;
-  }
-
  private:
   bool ReadAt(unsigned char* out, size_t size, long long at) {
     size_t done = 0;
@@ -158,12 +123,32 @@ class CacheFile {
 
   int fd_ = -1;
   long long present_ = 0;
-  std::vector<unsigned char> pending_;
-  long long pendingFirst_ = 0;
-  long long pendingCount_ = 0;
   std::vector<unsigned char> block_;
   long long blockFirst_ = 0;
   long long blockCount_ = 0;
+};
+
+// The new cache file, written through a temporary file that replaces the
+// old one only when it is complete: a run that fails or is killed leaves
+// the old cache as it was. Records go out in order, in batches.
+class CacheWriter {
+ public:
+  bool Open(const std::string& path) { return stream_.Open(path) == 0; }
+  bool IsOpen() const { return stream_.IsOpen(); }
+  bool Add(const unsigned char* bytes) {
+    pending_.insert(pending_.end(), bytes, bytes + kCacheRecordSize);
+    return pending_.size() < kWriteRecords * kCacheRecordSize || Flush();
+  }
+  bool Commit() { return Flush() && stream_.Commit() == 0; }
+
+ private:
+  bool Flush() {
+    const int err = stream_.Write(pending_.data(), pending_.size());
+    pending_.clear();
+    return err == 0;
+  }
+  StagedStream stream_;
+  std::vector<unsigned char> pending_;
 };
 
 void SetMissing(EventPositionRecord& r, int point, int16_t motion) {
@@ -294,31 +279,51 @@ std::string StatusText(const Session& session, int n, int count, const EventReco
 }
 
 // The recalculation behind the progress screen. Returns false when the
-// run was cancelled or the file failed.
+// run was cancelled or the file failed. Nothing is written while every
+// record is current; from the first stale one on, the whole file is written
+// anew, the current records copied as they stand. A cancelled run keeps
+// what it has recalculated and the old records after it.
 bool Recalculate(Session& session, const std::string& path, int count, RunSettings run, Progress* progress,
                  CacheRunStats* stats) {
-  CacheFile file;
-  if (!file.Open(path)) return false;
+  CacheReader old;
+  old.Open(path, count);
+  CacheWriter out;
+  // Copies records first..last of the old file into the new one.
+  auto copyOld = [&](long long first, long long last) {
+    for (long long k = first; k <= last; ++k) {
+      const unsigned char* bytes = old.Record(k);
+      if (bytes == nullptr) break;  // an unreadable stretch ends the old file
+      if (!out.Add(bytes)) return false;
+    }
+    return true;
+  };
 
   SlotPositions radix;
   bool haveRadix = false;
   unsigned char bytes[kCacheRecordSize];
   for (int n = 1; n <= count; ++n) {
     if (progress && progress->Cancelled()) {
-      file.Flush();
+      // Keep what was done, and the old records behind it.
+      if (out.IsOpen() && copyOld(n, old.Present())) out.Commit();
       return false;
     }
     const EventRecord& e = session.project.Events[n];
-    const unsigned char* cached = file.Record(n);
-    const bool stale = cached == nullptr || !IsCurrent(DecodeCacheRecord(cached), e);
+    const unsigned char* cached = old.Record(n);
+    bool stale = cached == nullptr;
+    if (!stale) {
+      const EventPositionRecord record = DecodeCacheRecord(cached);
+      stale = !IsCurrent(record, e) || !CacheRecordUsable(record);
+    }
     if (progress) {
       if (stale || n % kStatusEvery == 0 || n == count) progress->Status(StatusText(session, n, count, e));
       progress->Fraction(static_cast<double>(n) / count);
     }
     if (!stale) {
       if (stats) ++stats->Current;
+      if (out.IsOpen() && !out.Add(cached)) return false;
       continue;
     }
+    if (!out.IsOpen() && (!out.Open(path) || !copyOld(1, n - 1))) return false;
     if (run.type == kSolarArc && !haveRadix) {
       // Every record moves the same radix chart: compute it once.
       DynamicOptions options;
@@ -331,10 +336,10 @@ bool Recalculate(Session& session, const std::string& path, int count, RunSettin
       haveRadix = true;
     }
     EncodeCacheRecord(BuildRecord(session, e, run), bytes);
-    if (!file.Write(n, bytes)) return false;
+    if (!out.Add(bytes)) return false;
     if (stats) ++stats->Recalculated;
   }
-  return file.Flush();
+  return !out.IsOpen() || out.Commit();
 }
 
 }  // namespace
@@ -386,6 +391,17 @@ EventPositionRecord DecodeCacheRecord(const unsigned char* in) {
     r.EndLat[p] = GetF32(in + kOffEndLat + 4 * i);
   }
   return r;
+}
+
+bool CacheRecordUsable(const EventPositionRecord& r) {
+  // Longitudes lie in 0 to 360 or are negative for "not computed";
+  // latitudes are small. Anything else, NaN and infinities among it, comes
+  // from a damaged file.
+  auto fine = [](float v) { return std::isfinite(v) && v >= -360.0f && v <= 360.0f; };
+  if (!std::isfinite(r.Zone) || !std::isfinite(r.Longitude) || !std::isfinite(r.Latitude)) return false;
+  for (int p = 1; p <= kPoints; ++p)
+    if (!fine(r.StartPos[p]) || !fine(r.EndPos[p]) || !fine(r.StartLat[p]) || !fine(r.EndLat[p])) return false;
+  return true;
 }
 
 std::string CacheFileName(const std::string& datPath, int coordinate, int dynamicType) {

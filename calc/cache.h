@@ -7,8 +7,11 @@
 // a reader can turn them sidereal) and computed at the record's stored
 // moment, which carries delta-T; values are single precision. A record is
 // recalculated only when the fields that its time accuracy uses have
-// changed. Checked against the positions of the moment computed directly
-// and against the byte offsets of the record layout.
+// changed, or when it holds values no calculation gives (a damaged file).
+// A run writes a new file beside the old one and renames it into place, so
+// a failed or killed run leaves the old cache whole. Checked against the
+// positions of the moment computed directly and against the byte offsets of
+// the record layout.
 #pragma once
 
 #include <array>
@@ -40,6 +43,11 @@ struct EventPositionRecord {
 // Field by field, little-endian, exactly 464 bytes.
 void EncodeCacheRecord(const EventPositionRecord& record, unsigned char* out);
 EventPositionRecord DecodeCacheRecord(const unsigned char* in);
+
+// Whether a decoded record holds only values a calculation can give: every
+// position and latitude finite and within a circle either way, the zone and
+// place finite. A record that fails this is stale, whatever its fields say.
+bool CacheRecordUsable(const EventPositionRecord& record);
 
 // The cache file of a project: the .dat path with the extension of the
 // coordinate (1 or 2) and dynamic type (0 to 3).

@@ -8,6 +8,7 @@
 
 #include "calc/calendar.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -77,6 +78,11 @@ double JulianCalendarDay(double day, int month, int year, bool julianFlag) {
 }
 
 void RevJul(double jd, float& day, int& month, int& year) {
+  // Some two million years either way: beyond that (only a damaged value
+  // gets there) the date is that of the limit, and NaN is the epoch.
+  constexpr double kLimit = 8.0e8;
+  if (std::isnan(jd)) jd = 0.0;
+  jd = std::clamp(jd, -kLimit, kLimit);
   double z = std::floor(jd + 0.5);
   double f = jd + 0.5 - z;
   if (z >= kFirstGregorianDayNumber) {

@@ -92,6 +92,7 @@ void TerminalProgress::Draw() {
 }
 
 std::string ZodiacPosition(const Session& session, double longitude, bool seconds) {
+  if (!std::isfinite(longitude)) return "not a number";
   if (longitude < 0) return "not computed";
   const long unit = seconds ? 3600 : 60;
   long total = std::lround(std::fmod(longitude, 360.0) * unit);

@@ -223,11 +223,14 @@ void ParseCoordinate(Session& session, const std::string& input, const Coordinat
 // ---------------------------------------------------------------- formatting helpers
 
 // Whole degrees, minutes and seconds of a non-negative value, cut (not rounded).
+// A value beyond the range of whole numbers (only a damaged file holds
+// one) shows as the largest; NaN as zero.
 void CutToSexagesimal(double value, long long& whole, int& minutes, int& seconds) {
-  whole = static_cast<long long>(std::floor(value));
-  double m = (value - static_cast<double>(whole)) * 60.0;
+  whole = ToLongSaturated(std::floor(value));
+  double m = std::clamp((value - static_cast<double>(whole)) * 60.0, 0.0, 59.999999);
+  if (std::isnan(m)) m = 0.0;
   minutes = static_cast<int>(std::floor(m));
-  seconds = static_cast<int>(std::floor((m - minutes) * 60.0));
+  seconds = std::clamp(static_cast<int>(std::floor((m - minutes) * 60.0)), 0, 59);
 }
 
 std::string FormatCoordinate(double value, char negativeLetter, char positiveLetter, int degreeWidth) {
@@ -601,9 +604,9 @@ std::string FormatDate(const Session& session, int day, int month, int year) {
   day = ClampInteger(day, 1, 31);
   month = ClampInteger(month, 1, 12);
   std::string suffix;
-  int shownYear = year;
+  long long shownYear = year;
   if (year < 1) {
-    shownYear = 1 - year;
+    shownYear = 1 - shownYear;
     suffix = " BC";
   }
   // Dates inside a window of years carry an Old Style mark. The window is
@@ -637,7 +640,7 @@ std::string FormatZone(double hours) {
   std::string sign = hours < 0 ? "-" : "+";
   // Cut to whole seconds; the two-millisecond allowance keeps a value such as
   // 5 + 20/60 from showing as 5:19:59 through floating-point error.
-  long long total = static_cast<long long>(std::floor(std::fabs(hours) * 3600.0 + 0.002));
+  long long total = ToLongSaturated(std::floor(std::fabs(hours) * 3600.0 + 0.002));
   long long h = total / 3600;
   int m = static_cast<int>((total / 60) % 60);
   int s = static_cast<int>(total % 60);

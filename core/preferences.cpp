@@ -1,6 +1,9 @@
 #include "core/preferences.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <limits>
 #include <cmath>
 #include <filesystem>
 #include <vector>
@@ -20,8 +23,10 @@ namespace {
 class ProfileFile {
  public:
   explicit ProfileFile(const std::string& path) : path_(path) {
-    std::string bytes, error;
-    if (!ReadWholeFile(path, bytes, error)) return;
+    std::string bytes;
+    readError_ = ReadFileBytes(path, bytes, kMaxSmallFileBytes);
+    if (readError_ == ENOENT) readError_ = 0;  // a first run: the file is made on the first save
+    if (readError_ != 0) return;
     size_t start = 0;
     while (start < bytes.size()) {
       size_t end = bytes.find('\n', start);
@@ -74,6 +79,12 @@ class ProfileFile {
   }
 
   bool Save(std::string& error) const {
+    // A file that is there but could not be read is never written over:
+    // its other settings would be lost.
+    if (readError_ != 0) {
+      error = FileErrorText(readError_);
+      return false;
+    }
     std::error_code ec;
     std::filesystem::path p(path_);
     if (p.has_parent_path()) std::filesystem::create_directories(p.parent_path(), ec);
@@ -119,6 +130,7 @@ class ProfileFile {
 
   std::string path_;
   std::vector<std::string> lines_;
+  int readError_ = 0;
 };
 
 const std::string& FileOrPreferences(const Session& session, const std::string& file) {
@@ -155,12 +167,15 @@ long PreferenceIntegerFrom(const ProfileFile& profile, const std::string& key, l
   if (!profile.Get("Vintar", key, value)) return def;
   double v = Val(value);
   if (v > 2147483647.0 || v < -2147483648.0) return def;
-  return static_cast<long>(v);
+  return ToIntSaturated(v);
 }
 
 double PreferenceFloatFrom(const ProfileFile& profile, const std::string& key, double def) {
   std::string text = PreferenceTextFrom(profile, key, "", 21);
-  return text.empty() ? def : Val(text);
+  if (text.empty()) return def;
+  // Every preference number is held in single precision.
+  const double v = Val(text);
+  return std::fabs(v) <= std::numeric_limits<float>::max() ? v : def;
 }
 
 // The keys of section Vintar after the three folders, in load order, each
@@ -270,7 +285,9 @@ void LoadPreferences(Session& session) {
 
   for (const PreferenceKey& k : kKeys) {
     if (k.integer)
-      p.*k.integer = static_cast<int16_t>(PreferenceIntegerFrom(profile, k.name, defaults.*k.integer));
+      p.*k.integer = static_cast<int16_t>(std::clamp<long>(PreferenceIntegerFrom(profile, k.name, defaults.*k.integer),
+                                                           std::numeric_limits<int16_t>::min(),
+                                                           std::numeric_limits<int16_t>::max()));
     else if (k.number)
       p.*k.number = static_cast<float>(PreferenceFloatFrom(profile, k.name, defaults.*k.number));
     else if (k.text)

@@ -13,6 +13,7 @@
 #include <limits>
 #include <new>
 #include <system_error>
+#include <unordered_set>
 
 #include "calc/calendar.h"
 #include "core/file_io.h"
@@ -25,15 +26,11 @@ namespace vintar {
 
 namespace {
 
-// The run-time error texts that the read and write messages quote.
+// The run-time error texts that the read messages quote.
 constexpr const char* kTypeMismatch = "Type mismatch";
 constexpr const char* kOverflow = "Overflow";
 constexpr const char* kPastEnd = "Input past end of file";
 constexpr const char* kOutOfMemory = "Out of memory";
-constexpr const char* kPathNotFound = "Path not found";
-constexpr const char* kPermissionDenied = "Permission denied";
-constexpr const char* kAccessError = "Path/File access error";
-constexpr const char* kDiskFull = "Disk full";
 constexpr const char* kDeviceError = "Device I/O error";
 
 constexpr const char* kReadErrorTitle = "File Read Error";
@@ -43,27 +40,12 @@ struct FileError {
   std::string text;
 };
 
-std::string ErrnoText(int err) {
-  switch (err) {
-    case ENOENT:
-    case ENOTDIR:
-      return kPathNotFound;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-      return kPermissionDenied;
-    case EISDIR:
-      return kAccessError;
-    case ENOSPC:
-#ifdef EDQUOT
-    case EDQUOT:
-#endif
-      return kDiskFull;
-    case ENOMEM:
-      return kOutOfMemory;
-    default:
-      return kDeviceError;
-  }
+// The text of a failed open or read; a file over the reader's limit says so.
+std::string ReadFailureText(int err, uint64_t limit) {
+  if (err == EFBIG)
+    return "File too large: the most this program reads is " + std::to_string(limit >> 20) + " MB.";
+  if (err == EINVAL) return FileErrorText(err) + " (not a regular file)";
+  return FileErrorText(err);
 }
 
 // The classic field reader. Leading blanks are skipped; a field that starts
@@ -225,6 +207,20 @@ class FieldReader {
   size_t pos_ = 0;
   bool afterComma_ = false;
 };
+
+// A write that failed with `err` on `path`.
+struct WriteFailure {
+  int err;
+  std::string path;
+};
+
+// The mark of a .nat temporary file staged together with its .dat.
+constexpr const char* kPairKind = "pair";
+
+std::string TooManyCategoriesText(long long count) {
+  return "Too many categories (" + std::to_string(count) + "): a project holds at most " +
+         std::to_string(kMaxCategories) + ".";
+}
 
 // The format of .dat bytes by the length of the second field: a version 1
 // date text is longer than 6 characters, a version 2 year is not. A file too
@@ -408,8 +404,9 @@ std::string NatPathFor(const std::string& datPath) {
 
 int DetectDataFormat(const std::string& path) {
   try {
-    std::string bytes, error;
-    if (!ReadWholeFile(path, bytes, error)) return 0;
+    // The first two fields are all it looks at.
+    std::string bytes;
+    if (ReadFilePrefix(path, bytes, 1 << 20) != 0) return 0;
     return FormatOfData(bytes);
   } catch (...) {
     return 0;
@@ -420,17 +417,18 @@ void ReadProjectHeader(Session& session, const std::string& natPath, ProjectHead
                        bool& failed) {
   failed = true;
   try {
-    if (!FileExists(natPath)) {
-      SetNewProjectHeader(header);
-      failed = false;
+    std::string bytes;
+    if (int err = ReadFileBytes(natPath, bytes, kMaxSmallFileBytes)) {
+      if (err == ENOENT) {
+        // A .dat without its companion opens as a new project.
+        SetNewProjectHeader(header);
+        failed = false;
+      } else {
+        ShowReadError(session, natPath, ReadFailureText(err, kMaxSmallFileBytes));
+      }
       return;
     }
     if (progress) progress->Status("Reading File " + RTrim(natPath));
-    std::string bytes, error;
-    if (!ReadWholeFile(natPath, bytes, error)) {
-      ShowReadError(session, natPath, error);
-      return;
-    }
     FieldReader reader(bytes);
     try {
       std::vector<std::string> tokens = SplitOnAny(Trim(reader.Line()), " ,", 2);
@@ -446,14 +444,14 @@ void ReadProjectHeader(Session& session, const std::string& natPath, ProjectHead
         read.CategoryTypes.clear();
         read.CategoryCount = 0;
         read.RecordCount = 0;
-        // The Enabled flags follow, one a line. The .dat reader starts the
-        // array afresh when it is not merging, so they rarely survive.
-        std::vector<EventRecord>& events = session.project.Events;
+        // The Enabled flags follow, one a line. They are checked and
+        // counted but not kept: the .dat reader enables every version 1
+        // record whatever this list says, and holding a record slot for
+        // each flag would let a small file claim a vast array.
         int32_t count = 0;
         while (!reader.AtEnd()) {
-          EnsureSlot(events, count + 1, count);
+          reader.Integer<int16_t>();
           ++count;
-          events[count].Enabled = reader.Integer<int16_t>();
         }
         read.RecordCount = count;
         read.FormatVersion = 1;
@@ -461,7 +459,9 @@ void ReadProjectHeader(Session& session, const std::string& natPath, ProjectHead
         for (std::string* field : HeaderStrings(read)) *field = reader.Text();
         read.CategoryNames = reader.Text();
         read.CategoryTypes = reader.Text();
-        read.CategoryCount = static_cast<int16_t>(std::min(CategoryElementCount(read.CategoryNames), 32767));
+        const int categories = CategoryElementCount(read.CategoryNames);
+        if (categories > kMaxCategories) throw FileError{TooManyCategoriesText(categories)};
+        read.CategoryCount = static_cast<int16_t>(categories);
         read.RecordCount = 0;
         read.FormatVersion = 2;
       } else {
@@ -489,11 +489,16 @@ bool ReadDataFile(Session& session, const std::string& datPath, ProjectHeader& h
                   std::vector<EventRecord>& records, CategoryIndex& index, Progress* progress,
                   const std::vector<int>& categoryMap, bool showMessages) {
   const std::string& path = datPath;
-  std::string bytes, openError;
-  if (!ReadWholeFile(path, bytes, openError)) {
+  std::string bytes;
+  if (int err = ReadFileBytes(path, bytes, kMaxProjectFileBytes)) {
     header.FormatVersion = 0;
     session.project.Status.NatalValid = kFalse;
-    return true;
+    // A missing .dat is an empty project; one that is there but cannot be
+    // read is an error, so that nothing is ever saved over it.
+    if (err == ENOENT) return true;
+    ShowReadError(session, path, ReadFailureText(err, kMaxProjectFileBytes));
+    header.RecordCount = 0;
+    return false;
   }
   try {
     header.FormatVersion = static_cast<int16_t>(FormatOfData(bytes));
@@ -509,14 +514,20 @@ bool ReadDataFile(Session& session, const std::string& datPath, ProjectHeader& h
       progress->Caption("Reading File " + RTrim(path));
       progress->Status("Reading File " + RTrim(path));
     }
+    if (records.empty()) records.resize(1);
     if (merging) {
-      count = header.RecordCount;
+      // Behind the records already held; a count larger than the array is
+      // not to be trusted.
+      count = std::clamp<int32_t>(header.RecordCount, 0, static_cast<int32_t>(records.size()) - 1);
     } else {
       records.assign(2, EventRecord{});
     }
-    if (records.empty()) records.resize(1);
 
     while (!reader.AtEnd()) {
+      if (count >= kMaxProjectRecords) {
+        ++count;
+        throw FileError{"Too many records: a project holds at most " + std::to_string(kMaxProjectRecords) + "."};
+      }
       EnsureSlot(records, count + 1, count);
       ++count;
       EventRecord record;
@@ -635,28 +646,41 @@ void WriteProject(Session& session, const std::string& path, ProjectHeader& head
 
     const bool writeNat = status.NatChanged != 0;
     const bool writeDat = status.DataChanged != 0 || header.FormatVersion < 2;
+    const std::string natTarget = NatPathFor(target);
+    RecoverInterruptedSave(target);
 
-    // Both files are complete on disk before either replaces its old copy.
-    if (writeNat) {
-      if (int err = StageFile(NatPathFor(target), FormatNatFile(header), natFile)) throw FileError{ErrnoText(err)};
-    }
+    // Both files are complete on disk before either replaces its old copy:
+    // the .dat is staged first and the .nat under the same token, marked as
+    // one of a pair, so that recovery can tell how far a killed save got.
     if (writeDat) {
       int32_t last = std::min<int32_t>(header.RecordCount, static_cast<int32_t>(records.size()) - 1);
       std::string bytes;
       for (int32_t i = 1; i <= last; ++i) bytes += FormatDataRecord(records[i]);
-      if (int err = StageFile(target, bytes, datFile)) throw FileError{ErrnoText(err)};
+      if (int err = StageFile(target, bytes, datFile)) throw WriteFailure{err, target};
     }
     if (writeNat) {
-      if (int err = CommitFile(natFile)) throw FileError{ErrnoText(err)};
-      status.NatChanged = kFalse;
+      const std::string kind = writeDat ? kPairKind : "";
+      if (int err = StageFile(natTarget, FormatNatFile(header), natFile, datFile.token, kind))
+        throw WriteFailure{err, natTarget};
     }
     if (writeDat) {
-      if (int err = CommitFile(datFile)) throw FileError{ErrnoText(err)};
+      if (int err = CommitFile(datFile)) throw WriteFailure{err, target};
       status.DataChanged = kFalse;
-      if (updateTitle) UpdateTitle(session, target);
     }
+    if (writeNat) {
+      // Should this rename fail, the staged .nat stays for recovery: the
+      // new .dat is already in place.
+      if (int err = CommitFile(natFile)) {
+        if (writeDat) natFile.temp.clear();
+        throw WriteFailure{err, natTarget};
+      }
+      status.NatChanged = kFalse;
+    }
+    if (writeDat && updateTitle) UpdateTitle(session, target);
     header.FormatVersion = 2;
     return;
+  } catch (const WriteFailure& e) {
+    errorText = WriteErrorText(e.err, e.path);
   } catch (const FileError& e) {
     errorText = e.text;
   } catch (const std::bad_alloc&) {
@@ -664,6 +688,7 @@ void WriteProject(Session& session, const std::string& path, ProjectHeader& head
   } catch (...) {
     errorText = kDeviceError;
   }
+  // The .nat of a pair goes first: a pair's .nat alone means its .dat is in place.
   DiscardFile(natFile);
   DiscardFile(datFile);
   ShowWriteError(session, errorText);
@@ -695,7 +720,7 @@ void SetCategoryValue(std::string& categories, int category, const std::string& 
 }
 
 void SetCategoryDefinition(ProjectHeader& header, int category, const std::string& name, int type) {
-  if (category < 1) return;
+  if (category < 1 || category > kMaxCategories) return;
   if (name == kDeleteCategory) {
     if (category > header.CategoryCount) return;
     SetCategoryValue(header.CategoryNames, category, kDeleteCategory, header.CategoryCount);
@@ -715,12 +740,12 @@ void GetCategoryDefinition(const ProjectHeader& header, int category, std::strin
   std::vector<std::string> names = SplitCategoryList(header.CategoryNames, category);
   if (static_cast<int>(names.size()) > category) name = names[category];
   std::vector<std::string> types = SplitCategoryList(header.CategoryTypes, category);
-  if (static_cast<int>(types.size()) > category) type = static_cast<int>(Val(types[category]));
+  if (static_cast<int>(types.size()) > category) type = ToIntSaturated(Val(types[category]));
 }
 
 void FillCategoryList(Session& session, int category, const ProjectHeader& header,
                       const std::vector<EventRecord>& records, std::vector<std::string>& values, int start,
-                      int16_t& length, bool& failed) {
+                      int32_t& length, bool& failed) {
   failed = false;
   length = 0;
   if (category < 1 || category > header.CategoryCount) {
@@ -731,19 +756,14 @@ void FillCategoryList(Session& session, int category, const ProjectHeader& heade
   try {
     if (start < 1) start = 1;
     values.resize(static_cast<size_t>(start));
-    values.reserve(static_cast<size_t>(start) + 10);
+    std::unordered_set<std::string> known;
     int32_t last = std::min<int32_t>(header.RecordCount, static_cast<int32_t>(records.size()) - 1);
     for (int32_t i = 1; i <= last; ++i) {
       std::vector<std::string> elements = SplitCategoryList(records[i].Categories, category);
       if (static_cast<int>(elements.size()) <= category) continue;
       std::string value = Trim(elements[category]);
-      bool known = false;
-      for (size_t k = static_cast<size_t>(start); k < values.size() && !known; ++k)
-        known = EqualsIgnoreCase(values[k], value);
-      if (known) continue;
-      if (length == std::numeric_limits<int16_t>::max()) throw FileError{kOverflow};
-      if (values.size() == values.capacity()) values.reserve(values.size() + 10);
-      values.push_back(value);
+      if (!known.insert(UCase(value)).second) continue;
+      values.push_back(std::move(value));
       ++length;
     }
   } catch (...) {
@@ -772,7 +792,7 @@ void ExpandCategoryList(Session& session, int category, const ProjectHeader& hea
     for (size_t c = 1; c < slots; ++c) lastStart = std::max<int>(lastStart, index.CategoryStart[c]);
     const bool isLast = start == lastStart && length >= 1 && start + length == static_cast<int>(values.size());
 
-    if (values.size() + static_cast<size_t>(length) + 1 > static_cast<size_t>(std::numeric_limits<int16_t>::max()))
+    if (start < 0 || length < 0 || static_cast<size_t>(start) + static_cast<size_t>(length) > values.size())
       throw FileError{kOverflow};
     if (isLast) {
       values.push_back(text);
@@ -781,9 +801,9 @@ void ExpandCategoryList(Session& session, int category, const ProjectHeader& hea
       const int newStart = static_cast<int>(values.size());
       for (int k = 0; k < length; ++k) values.push_back(values[static_cast<size_t>(start + k)]);
       values.push_back(text);
-      index.CategoryStart[category] = static_cast<int16_t>(newStart);
+      index.CategoryStart[category] = newStart;
     }
-    index.CategoryLength[category] = static_cast<int16_t>(length + 1);
+    index.CategoryLength[category] = length + 1;
   } catch (const FileError& e) {
     session.ShowMessage(e.text + kLineEnd + kLineEnd + "Unable to expand category list.", kIconExclamation, "Error");
     failed = true;
@@ -797,6 +817,7 @@ void ExpandCategoryList(Session& session, int category, const ProjectHeader& hea
 void MapCategoryElements(std::string& categories, const std::vector<int>& categoryMap) {
   int highest = 0;
   for (size_t i = 1; i < categoryMap.size(); ++i) highest = std::max(highest, categoryMap[i]);
+  highest = std::min(highest, kMaxCategories);
   if (highest < 1) return;
   try {
     std::vector<std::string> old = SplitCategoryList(categories, highest);
@@ -815,23 +836,48 @@ void MapCategoryElements(std::string& categories, const std::vector<int>& catego
 
 void RebuildCategoryIndex(Session& session, const ProjectHeader& header, const std::vector<EventRecord>& records,
                           CategoryIndex& index, Progress* progress) {
-  const int count = std::max<int>(0, header.CategoryCount);
+  (void)session;
+  const int count = std::clamp<int>(header.CategoryCount, 0, kMaxCategories);
   index.CategoryValues.assign(1, std::string());
   index.CategoryStart.assign(static_cast<size_t>(count) + 1, 0);
   index.CategoryLength.assign(static_cast<size_t>(count) + 1, 0);
-  int running = 1;
+  if (count == 0) return;
+
+  // One pass over the header lists and one over each record's list, so that
+  // the time grows with the size of the project, never with its square.
+  std::vector<std::string> names = SplitCategoryList(header.CategoryNames, count);
+  std::vector<std::string> types = SplitCategoryList(header.CategoryTypes, count);
+  std::vector<bool> isList(static_cast<size_t>(count) + 1, false);
+  for (int c = 1; c <= count; ++c)
+    isList[c] = c >= static_cast<int>(types.size()) || ToIntSaturated(Val(types[c])) == 0;
+
+  // Distinct values of each list category in order of first appearance,
+  // compared ignoring case.
+  std::vector<std::vector<std::string>> gathered(static_cast<size_t>(count) + 1);
+  std::vector<std::unordered_set<std::string>> seen(static_cast<size_t>(count) + 1);
+  const int32_t last = std::min<int32_t>(header.RecordCount, static_cast<int32_t>(records.size()) - 1);
+  for (int32_t i = 1; i <= last; ++i) {
+    const std::string& list = records[i].Categories;
+    size_t from = 0;
+    for (int c = 1; c <= count && from < list.size(); ++c) {
+      size_t bar = list.find('|', from);
+      const size_t end = bar == std::string::npos ? list.size() : bar;
+      if (isList[c]) {
+        std::string value = Trim(std::string_view(list).substr(from, end - from));
+        if (seen[c].insert(UCase(value)).second) gathered[c].push_back(std::move(value));
+      }
+      from = end + 1;
+    }
+  }
+
+  int32_t running = 1;
   for (int c = 1; c <= count; ++c) {
-    std::string name;
-    int type = 0;
-    GetCategoryDefinition(header, c, name, type);
-    if (progress) progress->Status("Reading Category Data: " + name);
-    if (type != 0) continue;
-    index.CategoryStart[static_cast<size_t>(c)] = static_cast<int16_t>(std::min(running, 32767));
-    int16_t length = 0;
-    bool failed = false;
-    FillCategoryList(session, c, header, records, index.CategoryValues, running, length, failed);
-    index.CategoryLength[static_cast<size_t>(c)] = length;
-    running += length;
+    if (progress) progress->Status("Reading Category Data: " + (c < static_cast<int>(names.size()) ? names[c] : ""));
+    if (!isList[c]) continue;
+    index.CategoryStart[c] = running;
+    index.CategoryLength[c] = static_cast<int32_t>(gathered[c].size());
+    running += index.CategoryLength[c];
+    for (std::string& value : gathered[c]) index.CategoryValues.push_back(std::move(value));
   }
 }
 
@@ -879,6 +925,56 @@ bool NatalCheck(Session& session, const ProjectHeader& header) {
   return valid;
 }
 
+bool RecoverInterruptedSave(const std::string& datPath) {
+  bool finished = false;
+  try {
+    const std::string dat = RTrim(datPath);
+    const std::string nat = NatPathFor(dat);
+    for (const TemporaryFile& t : FindTemporaries(nat)) {
+      if (!t.stale || t.kind != kPairKind) continue;
+      const std::string datTemp = TemporaryName(dat, t.token, "");
+      if (::access(datTemp.c_str(), F_OK) == 0) {
+        ::unlink(t.path.c_str());
+        ::unlink(datTemp.c_str());
+      } else if (RenameDurably(t.path, nat) == 0) {
+        finished = true;
+      }
+    }
+    RemoveStaleTemporaries(dat);
+    RemoveStaleTemporaries(nat);
+  } catch (...) {
+    // Out of memory: the temporary files stay for the next time.
+  }
+  return finished;
+}
+
+namespace {
+
+// Defines categories CategoryCount + 1 to `count` as free text named
+// "Untitled<n>", building both lists once instead of once a category.
+void AddUntitledCategories(ProjectHeader& header, int count) {
+  const int known = header.CategoryCount;
+  std::vector<std::string> names = SplitCategoryList(header.CategoryNames, known);
+  std::vector<std::string> types = SplitCategoryList(header.CategoryTypes, known);
+  std::string nameList, typeList;
+  for (int i = 1; i <= count; ++i) {
+    if (i <= known) {
+      if (i < static_cast<int>(names.size())) nameList += Trim(names[i]);
+      if (i < static_cast<int>(types.size())) typeList += Trim(types[i]);
+    } else {
+      nameList += "Untitled" + std::to_string(i);
+      typeList += "2";
+    }
+    nameList += " |";
+    typeList += " |";
+  }
+  header.CategoryNames = std::move(nameList);
+  header.CategoryTypes = std::move(typeList);
+  header.CategoryCount = static_cast<int16_t>(count);
+}
+
+}  // namespace
+
 bool OpenProjectFiles(Session& session, const std::string& datPath, Progress* progress) {
   ProjectState& project = session.project;
   const int16_t merge = session.MergeActive;
@@ -886,6 +982,7 @@ bool OpenProjectFiles(Session& session, const std::string& datPath, Progress* pr
   bool ok = false;
   try {
     const std::string natPath = NatPathFor(datPath);
+    RecoverInterruptedSave(datPath);
     project.Status.NatChanged = kFalse;
     project.Status.DataChanged = kFalse;
     ResetProjectHeader(project.Header);
@@ -896,13 +993,15 @@ bool OpenProjectFiles(Session& session, const std::string& datPath, Progress* pr
     }
     if (ok && project.Header.RecordCount > 0 && project.Events.size() > 1) {
       // Categories added to the .dat by hand: define them as free text.
-      const int bars = CategoryElementCount(project.Events[1].Categories);
+      const long long bars = CategoryElementCount(project.Events[1].Categories);
       const int known = project.Header.CategoryCount;
-      if (bars > known) {
+      if (bars > kMaxCategories) {
+        ShowRecordReadError(session, datPath, 1, TooManyCategoriesText(bars));
+        ok = false;
+      } else if (bars > known) {
         project.Categories.CategoryStart.resize(static_cast<size_t>(bars) + 1, 0);
         project.Categories.CategoryLength.resize(static_cast<size_t>(bars) + 1, 0);
-        for (int i = known + 1; i <= bars; ++i)
-          SetCategoryDefinition(project.Header, i, "Untitled" + std::to_string(i), 2);
+        AddUntitledCategories(project.Header, static_cast<int>(bars));
       }
     }
     if (ok) {

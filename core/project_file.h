@@ -33,6 +33,10 @@ inline constexpr const char* kDeleteCategory = "~!Delete!~";
 // The most records that the editing, sorting, family and rectification
 // commands accept.
 inline constexpr int32_t kMaxRecordsForAction = 32000;
+// The most records a project file may hold, and the most categories (the
+// count is 16-bit). A file beyond either is refused with a message.
+inline constexpr int32_t kMaxProjectRecords = 1000000;
+inline constexpr int kMaxCategories = 32767;
 
 // The header of a .dat that has no .nat yet: title "New Project", zone "UT".
 void SetNewProjectHeader(ProjectHeader& header);
@@ -49,8 +53,10 @@ std::string NatPathFor(const std::string& datPath);
 int DetectDataFormat(const std::string& path);
 
 // Reads a .nat into `header`. A missing file gives the new-project header and
-// no failure. Version 1 puts its Enabled list into session.project.Events and
-// its length into header.RecordCount. An unknown version marker leaves the
+// no failure; one that is there but cannot be read (a folder, no permission,
+// over 16 MB) is a read error. Version 1 checks its Enabled list and puts its
+// length into header.RecordCount; the flags themselves are not kept, since
+// the .dat reader enables every version 1 record. An unknown version marker leaves the
 // header as it was, sets FormatVersion 0 and `failed`, without a message.
 // Ends by computing the header's three Julian days.
 void ReadProjectHeader(Session& session, const std::string& natPath, ProjectHeader& header, Progress* progress,
@@ -61,9 +67,12 @@ void ReadProjectHeader(Session& session, const std::string& natPath, ProjectHead
 // and their categories renumbered through `categoryMap` (1-based, the current
 // project's number of each category of the merged file); otherwise the array
 // starts afresh. `showMessages` goes to the parsers of version 1 fields.
-// A file that cannot be opened clears NatalValid and leaves the count as it
-// was (not a failure). A read error shows the "File Read Error" box with the
-// record number, sets header.RecordCount to 0 and returns false.
+// A missing file clears NatalValid and leaves the count as it was (not a
+// failure). A file that is there but cannot be read (a folder, no
+// permission, larger than kMaxProjectFileBytes) shows the "File Read Error"
+// box with the system's text; a read error shows it with the record number
+// (also for a file of more than kMaxProjectRecords records). Both set
+// header.RecordCount to 0 and return false.
 bool ReadDataFile(Session& session, const std::string& datPath, ProjectHeader& header,
                   std::vector<EventRecord>& records, CategoryIndex& index, Progress* progress,
                   const std::vector<int>& categoryMap, bool showMessages);
@@ -79,9 +88,11 @@ void ComputeHeaderJulianDays(Session& session, ProjectHeader& header);
 // 2. A blank path asks session.AskSavePath; a cancel clears DialogCancelled
 // and returns without writing and without `failed`; a new path marks both
 // files changed. Each file is written to a temporary file in its folder and
-// renamed over the old one only when complete, so a failed save leaves the
+// renamed over the old one only when complete (see RecoverInterruptedSave
+// for a save killed between the two renames), so a failed save leaves the
 // old files as they were; it shows "Error whilst writing file:" and sets
-// `failed`, leaving the change flags set.
+// `failed`, leaving the change flags set. Write-protected files are refused
+// with that message.
 void WriteProject(Session& session, const std::string& path, ProjectHeader& header,
                   std::vector<EventRecord>& records, bool& failed, bool updateTitle);
 
@@ -108,7 +119,7 @@ void GetCategoryDefinition(const ProjectHeader& header, int category, std::strin
 // right behind them.
 void FillCategoryList(Session& session, int category, const ProjectHeader& header,
                       const std::vector<EventRecord>& records, std::vector<std::string>& values, int start,
-                      int16_t& length, bool& failed);
+                      int32_t& length, bool& failed);
 // Adds `text` to the values of category `category`: at the end of the flat
 // list when that category's block is the last one and has values, otherwise
 // by moving its block to the end with the text behind it.
@@ -142,5 +153,15 @@ bool NatalCheck(Session& session, const ProjectHeader& header);
 // the natal check, the project paths and the window title. Returns false,
 // with RecordCount and NatalValid cleared, when either file fails.
 bool OpenProjectFiles(Session& session, const std::string& datPath, Progress* progress);
+
+// Finishes or undoes a save of the project `datPath` that was killed between
+// its two renames, and removes temporary files that dead saves left beside
+// the two files. A save writes the .dat and .nat to temporary files first,
+// renames the .dat, then the .nat: a .nat temporary whose .dat temporary is
+// gone belongs to a save whose .dat is in place, so it is renamed over the
+// .nat; one whose .dat temporary is still there belongs to a save that never
+// began to replace anything, so both are removed. Opening and saving a
+// project run this first. Returns true when a save was finished.
+bool RecoverInterruptedSave(const std::string& datPath);
 
 }  // namespace vintar

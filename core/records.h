@@ -63,11 +63,12 @@ struct EventRecord {
 };
 
 // The category value index, rebuilt at every read. All three are indexed
-// from 1; index 0 exists and is unused.
+// from 1; index 0 exists and is unused. Starts and lengths are 32-bit so
+// that a project may hold more than 32,767 distinct values.
 struct CategoryIndex {
   std::vector<std::string> CategoryValues{1};
-  std::vector<int16_t> CategoryStart{0};
-  std::vector<int16_t> CategoryLength{0};
+  std::vector<int32_t> CategoryStart{0};
+  std::vector<int32_t> CategoryLength{0};
 };
 
 struct CurStatus {

@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace vintar {
 namespace {
@@ -90,6 +91,22 @@ double Val(std::string_view s) {
   }
   double value = std::strtod(number.c_str(), nullptr);
   return std::isfinite(value) ? value : 0.0;
+}
+
+int ToIntSaturated(double value) {
+  if (std::isnan(value)) return 0;
+  if (value <= static_cast<double>(std::numeric_limits<int>::min())) return std::numeric_limits<int>::min();
+  if (value >= static_cast<double>(std::numeric_limits<int>::max())) return std::numeric_limits<int>::max();
+  return static_cast<int>(value);
+}
+
+long long ToLongSaturated(double value) {
+  // 2^63 is exactly representable; every double below it converts.
+  constexpr double kLimit = 9223372036854775808.0;
+  if (std::isnan(value)) return 0;
+  if (value <= -kLimit) return std::numeric_limits<long long>::min();
+  if (value >= kLimit) return std::numeric_limits<long long>::max();
+  return static_cast<long long>(value);
 }
 
 std::string ZeroPad(long long value, int width) {

@@ -29,6 +29,13 @@ bool StartsWithIgnoreCase(std::string_view s, std::string_view prefix);
 // does not fit; nothing readable gives 0.
 double Val(std::string_view s);
 
+// A real number as an int, saturating at the ends of the int range; NaN
+// gives 0. Every number that comes from a file or a user and becomes an
+// integer, an index or a size goes through this or a range check, since a
+// plain conversion of a value out of range is undefined.
+int ToIntSaturated(double value);
+long long ToLongSaturated(double value);
+
 // Format an integer with at least `width` digits, zero padded ("0", "00", "0000").
 std::string ZeroPad(long long value, int width);
 

@@ -14,8 +14,8 @@ int ZoneTable::Find(const std::string& mnemonic) const {
 }
 
 void LoadTimeZones(Session& session, const std::string& path) {
-  std::string bytes, error;
-  if (!ReadWholeFile(path, bytes, error)) return;
+  std::string bytes;
+  if (ReadFileBytes(path, bytes, kMaxSmallFileBytes) != 0) return;
   ZoneTable& table = session.zones;
   int count = 0;
   size_t start = 0;

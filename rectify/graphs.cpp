@@ -160,9 +160,8 @@ namespace {
 
 bool LoadGraphSettingsUnguarded(Session& session, GraphState& graphs) {
   const std::string& datPath = session.project.ProjectPath;
-  std::string bytes, error;
-  if (Trim(datPath).empty() || !FileExists(GraphSettingsFileName(datPath)) ||
-      !ReadWholeFile(GraphSettingsFileName(datPath), bytes, error)) {
+  std::string bytes;
+  if (Trim(datPath).empty() || ReadFileBytes(GraphSettingsFileName(datPath), bytes, kMaxSmallFileBytes) != 0) {
     DefaultGraphSettings(graphs, session.prefs);
     return false;
   }
@@ -304,9 +303,11 @@ void CalcHarmDistUnguarded(Session& session, GraphState& graphs, int graph, int 
   if (count == 0) return;
 
   const int coordinate = GraphCoordinate(g);
-  std::string bytes, error;
+  std::string bytes;
   const std::string path = CacheFileName(session.project.ProjectPath, coordinate, g.DynamicType);
-  if (Trim(session.project.ProjectPath).empty() || !ReadWholeFile(path, bytes, error)) {
+  // The project's records only: whatever else the file holds is not read.
+  if (Trim(session.project.ProjectPath).empty() ||
+      ReadFilePrefix(path, bytes, static_cast<uint64_t>(count) * kCacheRecordSize) != 0) {
     cancelled = true;
     MarkGraphsStale(session);
     return;
@@ -335,6 +336,8 @@ void CalcHarmDistUnguarded(Session& session, GraphState& graphs, int graph, int 
     if (n > present) break;
     EventPositionRecord r =
         DecodeCacheRecord(reinterpret_cast<const unsigned char*>(bytes.data()) + (n - 1LL) * kCacheRecordSize);
+    // A damaged record (CalcEvents recalculates it) adds nothing.
+    if (!CacheRecordUsable(r)) continue;
     if (sidereal) {
       const double offset = SiderealOffset(session.prefs.Zodiac, session.prefs.UserAyan, r.PrecessionArcsec);
       // A body that was not computed stays marked as such.

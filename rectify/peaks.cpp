@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <numeric>
@@ -567,12 +568,15 @@ bool FieldNumber(const std::string& text, double& value) {
 void LoadPeakSettings(Session& session) {
   Preferences& p = session.prefs;
   const Preferences d;
-  p.MinPeakWidth = static_cast<int16_t>(GetPreferenceInteger(session, "MinPeakWidth", d.MinPeakWidth));
+  auto integer = [&](const char* key, int16_t def) {
+    return static_cast<int16_t>(std::clamp<long>(GetPreferenceInteger(session, key, def), INT16_MIN, INT16_MAX));
+  };
+  p.MinPeakWidth = integer("MinPeakWidth", d.MinPeakWidth);
   p.PeakSDFactor = static_cast<float>(GetPreferenceFloat(session, "PeakSDFactor", d.PeakSDFactor));
   p.ForcePeakSDFactor = static_cast<float>(GetPreferenceFloat(session, "ForcePeakSDFactor", d.ForcePeakSDFactor));
-  p.MaxPeaks = static_cast<int16_t>(GetPreferenceInteger(session, "MaxPeaks", d.MaxPeaks));
-  p.MaxGapBars = static_cast<int16_t>(GetPreferenceInteger(session, "MaxGapBars", d.MaxGapBars));
-  p.AddCommonBars = static_cast<int16_t>(GetPreferenceInteger(session, "AddCommonBars", d.AddCommonBars));
+  p.MaxPeaks = integer("MaxPeaks", d.MaxPeaks);
+  p.MaxGapBars = integer("MaxGapBars", d.MaxGapBars);
+  p.AddCommonBars = integer("AddCommonBars", d.AddCommonBars);
 }
 
 bool SavePeakSettings(const Session& session) {

@@ -286,11 +286,12 @@ Sweep SweepPoint(MovingPoints& mover, int type, int method, int point, double ep
     step = 6.0 / m.Max;  // six degrees at the most between samples
     sweep.Turns = span * m.Mean / 360.0;
   }
-  const int samples = span <= 0.0 ? 1 : static_cast<int>(std::ceil(span / step));
-  if (samples > kMaxSweepSamples) {
+  const double wanted = span <= 0.0 ? 1.0 : std::ceil(span / step);
+  if (!(wanted <= kMaxSweepSamples)) {
     sweep.Everywhere = true;
     return sweep;
   }
+  const int samples = static_cast<int>(wanted);
   sweep.Samples.push_back(first);
   for (int k = 1; k <= samples; ++k) {
     PathSample s;
@@ -649,8 +650,8 @@ void DecodeDynOptions(const std::string& bytes, DynOptionSet& records) {
 
 bool LoadDynOptions(DynOptionSet& records, const std::string& path) {
   ResetDynOptions(records);
-  std::string bytes, error;
-  if (path.empty() || !FileExists(path) || !ReadWholeFile(path, bytes, error)) return false;
+  std::string bytes;
+  if (path.empty() || ReadFileBytes(path, bytes, kMaxSmallFileBytes) != 0) return false;
   DecodeDynOptions(bytes, records);
   return true;
 }

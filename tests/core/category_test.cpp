@@ -82,7 +82,7 @@ TEST_F(CategoryTest, FillGathersDistinctValuesInOrderOfFirstAppearance) {
   SetCategoryDefinition(header, 2, "Kin", 0);
   Records({"Married |Son |", "single |", "MARRIED |Son |", " |Father |", "", "Single | |"});
   std::vector<std::string> values{"", "keep"};
-  int16_t length = -1;
+  int32_t length = -1;
   bool failed = true;
   FillCategoryList(session, 1, header, records, values, 2, length, failed);
   EXPECT_FALSE(failed);
@@ -92,8 +92,8 @@ TEST_F(CategoryTest, FillGathersDistinctValuesInOrderOfFirstAppearance) {
   CategoryIndex index;
   RebuildCategoryIndex(session, header, records, index, nullptr);
   EXPECT_EQ(index.CategoryValues, (std::vector<std::string>{"", "Married", "single", "", "Son", "Father", ""}));
-  EXPECT_EQ(index.CategoryStart, (std::vector<int16_t>{0, 1, 4}));
-  EXPECT_EQ(index.CategoryLength, (std::vector<int16_t>{0, 3, 3}));
+  EXPECT_EQ(index.CategoryStart, (std::vector<int32_t>{0, 1, 4}));
+  EXPECT_EQ(index.CategoryLength, (std::vector<int32_t>{0, 3, 3}));
 
   FillCategoryList(session, 3, header, records, values, 1, length, failed);
   EXPECT_TRUE(failed);
