@@ -19,7 +19,7 @@ int ConsoleSink::Show(const std::string& text, int flags, const std::string& tit
     std::string shown;
     for (char c : text)
       if (c != '\r') shown += c;
-    std::cerr << Latin1ToUtf8(title) << ": " << Latin1ToUtf8(shown) << "\n";
+    std::cerr << DisplayText(title) << ": " << DisplayText(shown) << "\n";
   }
   return ButtonAllowed(flags, answer) ? answer : DefaultButton(flags);
 }
@@ -38,7 +38,7 @@ nlohmann::json Context::Messages() const {
     std::string text;
     for (char c : m.text)
       if (c != '\r') text += c;
-    list.push_back({{"title", J(m.title)}, {"text", J(text)}});
+    list.push_back({{"title", DisplayText(m.title)}, {"text", DisplayText(text)}});
   }
   return list;
 }
@@ -87,7 +87,7 @@ void TerminalProgress::Draw() {
   line += p.str();
   if (!status_.empty()) line += "  " + status_;
   if (line.size() > 110) line.resize(110);
-  std::cerr << "\r\033[K" << Latin1ToUtf8(line) << std::flush;
+  std::cerr << "\r\033[K" << DisplayText(line) << std::flush;
   drawn_ = true;
 }
 
@@ -111,7 +111,7 @@ std::string ZodiacPosition(const Session& session, double longitude, bool second
 }
 
 bool OpenProjectForCommand(Context& ctx, const std::string& datPathArg) {
-  if (OpenProjectFiles(ctx.session, FromArg(datPathArg), nullptr)) return true;
+  if (OpenProjectFiles(ctx.session, datPathArg, nullptr)) return true;
   if (ctx.json) ctx.PrintJson({{"failed", true}});
   return false;
 }

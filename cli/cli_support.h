@@ -12,6 +12,7 @@
 #include "core/messages.h"
 #include "core/progress.h"
 #include "core/session.h"
+#include "core/text.h"
 
 namespace vintar::cli {
 
@@ -75,8 +76,11 @@ bool OpenProjectForCommand(Context& ctx, const std::string& datPathArg);
 std::string Latin1ToUtf8View(const std::string& latin1);
 // Latin-1 text of the files as a JSON string (JSON is UTF-8).
 inline nlohmann::json J(const std::string& latin1) { return Latin1ToUtf8View(latin1); }
-// Text as given on the command line (UTF-8) to the files' Latin-1.
+// Text as given on the command line (UTF-8) to the files' Latin-1. Never
+// for file names: those are the system's bytes and stay as they are.
 std::string FromArg(const std::string& utf8);
+// A file name, or a text that holds one, for JSON (always valid UTF-8).
+inline nlohmann::json JPath(const std::string& path) { return DisplayText(path); }
 // Latin-1 text for the terminal.
 std::string ForTerminal(const std::string& latin1);
 

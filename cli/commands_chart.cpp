@@ -144,7 +144,7 @@ nlohmann::json CacheRecordJson(const EventPositionRecord& r) {
 }
 
 int RunCacheDump(Context& ctx, const CacheArgs& a) {
-  const std::string file = CacheFileName(FromArg(a.path), a.coordinate, a.type);
+  const std::string file = CacheFileName(a.path, a.coordinate, a.type);
   nlohmann::json records = nlohmann::json::array();
   int first = a.record > 0 ? a.record : 1;
   for (int n = first;; ++n) {

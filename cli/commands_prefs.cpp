@@ -9,16 +9,24 @@
 namespace vintar::cli {
 namespace {
 
+// Keys whose values are folders, files or programs: the system's bytes,
+// kept as typed.
+bool NamesAFile(const std::string& key) {
+  return EndsWithIgnoreCase(key, "Path") || StartsWithIgnoreCase(key, "FilePath") ||
+         StartsWithIgnoreCase(key, "FileName") || EqualsIgnoreCase(key, "WordProc");
+}
+
 int RunShow(Context& ctx) {
   const Session& s = ctx.session;
   auto listing = PreferenceListing(s.prefs);
   if (ctx.json) {
     nlohmann::json prefs = nlohmann::json::object();
-    for (const auto& [key, value] : listing) prefs[key] = J(value);
-    ctx.PrintJson({{"preferenceFile", J(s.paths.PreferenceFile)}, {"preferences", prefs}});
+    for (const auto& [key, value] : listing) prefs[key] = NamesAFile(key) ? JPath(value) : J(value);
+    ctx.PrintJson({{"preferenceFile", JPath(s.paths.PreferenceFile)}, {"preferences", prefs}});
   } else {
-    std::cout << "; " << ForTerminal(s.paths.PreferenceFile) << "\n";
-    for (const auto& [key, value] : listing) std::cout << key << "=" << ForTerminal(value) << "\n";
+    std::cout << "; " << DisplayText(s.paths.PreferenceFile) << "\n";
+    for (const auto& [key, value] : listing)
+      std::cout << key << "=" << (NamesAFile(key) ? DisplayText(value) : ForTerminal(value)) << "\n";
   }
   return kExitOk;
 }
@@ -29,13 +37,13 @@ int RunSet(Context& ctx, const std::string& key, const std::string& value) {
     return kExitUsage;
   }
   Session& s = ctx.session;
-  bool ok = PutProfileText(s, "Vintar", key, FromArg(value));
+  bool ok = PutProfileText(s, "Vintar", key, NamesAFile(key) ? value : FromArg(value));
   if (!ok) s.ShowMessage("Unable to write the preference file " + s.paths.PreferenceFile, kIconExclamation, "Vintar");
   LoadPreferences(s);
   if (ctx.json)
-    ctx.PrintJson({{"failed", !ok}, {"key", key}, {"value", J(GetPreferenceText(s, key, ""))}});
+    ctx.PrintJson({{"failed", !ok}, {"key", key}, {"value", DisplayText(GetPreferenceText(s, key, ""))}});
   else if (ok)
-    std::cout << key << "=" << ForTerminal(GetPreferenceText(s, key, "")) << "\n";
+    std::cout << key << "=" << DisplayText(GetPreferenceText(s, key, "")) << "\n";
   return ok ? kExitOk : kExitFailed;
 }
 

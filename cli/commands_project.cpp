@@ -79,7 +79,7 @@ void PrintProject(const Session& s) {
     std::cout << std::left << std::setw(16) << label << ForTerminal(value) << "\n";
   };
   line("Project:", h.Title);
-  line("File:", p.ProjectPath);
+  std::cout << std::left << std::setw(16) << "File:" << DisplayText(p.ProjectPath) << "\n";
   line("Format:", "version " + std::to_string(h.FormatVersion));
   line("Name:", h.Name);
   line("Date:", h.Date);
@@ -129,7 +129,7 @@ int RunShow(Context& ctx, const std::string& path) {
     nlohmann::json records = nlohmann::json::array();
     for (int i = 1; i <= s.project.Header.RecordCount; ++i) records.push_back(RecordJson(s.project.Events[i]));
     ctx.PrintJson({{"failed", false},
-                   {"path", J(s.project.ProjectPath)},
+                   {"path", JPath(s.project.ProjectPath)},
                    {"natalValid", s.project.Status.NatalValid != 0},
                    {"header", HeaderJson(s.project.Header)},
                    {"records", records},
@@ -147,11 +147,11 @@ int RunSave(Context& ctx, const std::string& in, const std::string& out) {
   s.project.Status.DataChanged = kTrue;
   s.project.Status.NatChanged = kTrue;
   bool failed = false;
-  WriteProject(s, FromArg(out), s.project.Header, s.project.Events, failed, true);
+  WriteProject(s, out, s.project.Header, s.project.Events, failed, true);
   if (ctx.json)
-    ctx.PrintJson({{"failed", failed}, {"path", out}, {"records", s.project.Header.RecordCount}});
+    ctx.PrintJson({{"failed", failed}, {"path", JPath(out)}, {"records", s.project.Header.RecordCount}});
   else if (!failed)
-    std::cout << "Saved " << s.project.Header.RecordCount << " records to " << out << "\n";
+    std::cout << "Saved " << s.project.Header.RecordCount << " records to " << DisplayText(out) << "\n";
   return failed ? kExitFailed : kExitOk;
 }
 

@@ -54,7 +54,7 @@ const char* StatusText(int status) {
 bool LoadOptions(Context& ctx, const std::string& named, SearchState& state, std::string& used) {
   Session& s = ctx.session;
   if (!named.empty()) {
-    used = FromArg(named);
+    used = named;
     if (LoadDynOptions(state.Options, used)) return true;
     s.ShowMessage("Unable to open rectification options file: " + used, kIconExclamation, "Vintar");
     return false;
@@ -119,7 +119,7 @@ int RunSearch(Context& ctx, const SearchArgs& a) {
     }
     ctx.PrintJson({{"failed", false},
                    {"type", a.type},
-                   {"options", J(optionsPath)},
+                   {"options", JPath(optionsPath)},
                    {"from", J(from)},
                    {"to", J(to)},
                    {"cancelled", state.Cancelled},
@@ -131,7 +131,7 @@ int RunSearch(Context& ctx, const SearchArgs& a) {
   }
 
   std::cout << ForTerminal(s.vocab.DynamicMethodName[a.type]) << " from " << ForTerminal(from) << " to "
-            << ForTerminal(to) << " (options " << ForTerminal(optionsPath) << ")\n\n";
+            << ForTerminal(to) << " (options " << DisplayText(optionsPath) << ")\n\n";
   for (int k = 1; k <= state.HitCount(); ++k) {
     const DynamicHit& hit = state.Hits[state.HitOrder[k]];
     std::ostringstream row;

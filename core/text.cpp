@@ -59,6 +59,10 @@ bool StartsWithIgnoreCase(std::string_view s, std::string_view prefix) {
   return s.size() >= prefix.size() && CompareIgnoreCase(s.substr(0, prefix.size()), prefix) == 0;
 }
 
+bool EndsWithIgnoreCase(std::string_view s, std::string_view suffix) {
+  return s.size() >= suffix.size() && CompareIgnoreCase(s.substr(s.size() - suffix.size()), suffix) == 0;
+}
+
 double Val(std::string_view s) {
   size_t i = 0;
   while (i < s.size() && IsBlank(s[i])) ++i;
@@ -128,6 +132,56 @@ std::string Latin1ToUtf8(std::string_view s) {
     } else {
       out += static_cast<char>(0xC0 | (c >> 6));
       out += static_cast<char>(0x80 | (c & 0x3F));
+    }
+  }
+  return out;
+}
+
+namespace {
+
+// The length of the well-formed UTF-8 sequence at s[i] (2 to 4), or 0.
+size_t Utf8SequenceAt(std::string_view s, size_t i) {
+  const auto c = static_cast<unsigned char>(s[i]);
+  size_t n = 0;
+  unsigned low = 0x80, high = 0xBF;  // the range of the second byte
+  if (c >= 0xC2 && c <= 0xDF) {
+    n = 2;
+  } else if (c >= 0xE0 && c <= 0xEF) {
+    n = 3;
+    if (c == 0xE0) low = 0xA0;
+    if (c == 0xED) high = 0x9F;  // no surrogates
+  } else if (c >= 0xF0 && c <= 0xF4) {
+    n = 4;
+    if (c == 0xF0) low = 0x90;
+    if (c == 0xF4) high = 0x8F;
+  } else {
+    return 0;
+  }
+  if (i + n > s.size()) return 0;
+  for (size_t k = 1; k < n; ++k) {
+    const auto cc = static_cast<unsigned char>(s[i + k]);
+    if (cc < (k == 1 ? low : 0x80) || cc > (k == 1 ? high : 0xBF)) return 0;
+  }
+  return n;
+}
+
+}  // namespace
+
+std::string DisplayText(std::string_view s) {
+  std::string out;
+  out.reserve(s.size());
+  for (size_t i = 0; i < s.size();) {
+    const auto c = static_cast<unsigned char>(s[i]);
+    if (c < 0x80) {
+      out += static_cast<char>(c);
+      ++i;
+    } else if (size_t n = Utf8SequenceAt(s, i)) {
+      out.append(s.substr(i, n));
+      i += n;
+    } else {
+      out += static_cast<char>(0xC0 | (c >> 6));
+      out += static_cast<char>(0x80 | (c & 0x3F));
+      ++i;
     }
   }
   return out;

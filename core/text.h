@@ -23,6 +23,7 @@ std::string UCase(std::string_view s);
 bool EqualsIgnoreCase(std::string_view a, std::string_view b);
 int CompareIgnoreCase(std::string_view a, std::string_view b);  // <0, 0, >0
 bool StartsWithIgnoreCase(std::string_view s, std::string_view prefix);
+bool EndsWithIgnoreCase(std::string_view s, std::string_view suffix);
 
 // The lenient numeric value of a text: skip leading blanks, an optional sign,
 // digits, a point and digits, an exponent; stop at the first character that
@@ -44,5 +45,11 @@ std::string Latin1ToUtf8(std::string_view s);
 // UTF-8 from a command line back to the files' single-byte form; characters
 // outside Latin-1 become '?'.
 std::string Utf8ToLatin1(std::string_view s);
+// Text for the screen, the terminal and JSON that may hold both kinds of
+// bytes: a message is Latin-1 but a file name in it is the system's own
+// (UTF-8) bytes, which are never converted. Well-formed UTF-8 sequences are
+// kept as they stand and every other byte above 127 is read as Latin-1, so
+// the result is always valid UTF-8.
+std::string DisplayText(std::string_view s);
 
 }  // namespace vintar
