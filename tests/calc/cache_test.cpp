@@ -255,6 +255,13 @@ TEST(CalcEvents, DamagedFilesAreRecalculatedFromTheDamage) {
   p.Run();
   const std::string clean = ReadBytes(p.File());
   ASSERT_EQ(clean.size(), 4u * kCacheRecordSize);
+  // A record whose fields all match but whose positions no calculation
+  // gives: a NaN Sun in record 2, a latitude of 1e30 in record 4.
+  auto poke = [&](int record, int offset, const char* four) {
+    std::string bytes = clean;
+    bytes.replace((record - 1) * kCacheRecordSize + offset, 4, four, 4);
+    return bytes;
+  };
   struct Case {
     const char* what;
     std::string bytes;
@@ -265,6 +272,8 @@ TEST(CalcEvents, DamagedFilesAreRecalculatedFromTheDamage) {
       {"longer by odd bytes", clean + "xyz", 0},
       {"garbage in record 3", clean.substr(0, 928) + std::string(464, '\xAB') + clean.substr(1392), 1},
       {"garbage file", std::string(1000, '\x7F'), 4},
+      {"NaN position", poke(2, 32 + 4 * (kSun - 1), "\x00\x00\xc0\x7f"), 1},
+      {"huge latitude", poke(4, 272 + 4 * (kMars - 1), "\xca\xf2\x49\x71"), 1},
       {"empty", "", 4},
   };
   for (const auto& c : cases) {

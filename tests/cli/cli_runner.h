@@ -25,8 +25,10 @@ inline std::string ShellQuote(const std::string& s) {
   return q + "'";
 }
 
-inline CliRun RunVintar(const TempDir& dir, const std::vector<std::string>& args) {
-  std::string command = "VINTAR_CONFIG_DIR=" + ShellQuote(dir.file("config")) +
+// `shell` goes in front of the command, for limits and users: "ulimit -f 8;"
+// or "setpriv --reuid=65534 ...".
+inline CliRun RunVintar(const TempDir& dir, const std::vector<std::string>& args, const std::string& shell = "") {
+  std::string command = shell + " env VINTAR_CONFIG_DIR=" + ShellQuote(dir.file("config")) +
                         " XDG_DATA_HOME=" + ShellQuote(dir.file("data")) + " " + ShellQuote(VINTAR_CLI_PATH);
   for (const auto& a : args) command += " " + ShellQuote(a);
   command += " >" + ShellQuote(dir.file("out")) + " 2>" + ShellQuote(dir.file("err")) + " </dev/null";

@@ -183,5 +183,55 @@ TEST_F(CategoryTest, CategoriesOnlyInTheRecordsBecomeUntitledFreeText) {
   EXPECT_EQ(p.Categories.CategoryStart.size(), 4u);
 }
 
+// Category counts a file can claim: the most a project holds opens (in time
+// that grows with the file, so this test would hang were it quadratic), and
+// one more is refused with a message, whether the .nat or a record claims it.
+TEST_F(CategoryTest, CategoryCountsAtAndPastTheLimit) {
+  auto bars = [](int n, const char* text) {
+    std::string list;
+    for (int i = 0; i < n; ++i) list += std::string(text) + " |";
+    return list;
+  };
+  auto nat = [&](int n) {
+    return "VINTAR 2\r\n\"U\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\"\r\n\"" + bars(n, "C") + "\",\"" +
+           bars(n, "0") + "\"\r\n";
+  };
+  auto dat = [&](const std::string& categories, int records) {
+    std::string out;
+    for (int i = 0; i < records; ++i)
+      out += "\"R\",1990,1,2,3,4,5,0,3,\"UT\",0,\"P\",0,0,-1,0,\"" + categories + std::to_string(i) + " |\"\r\n";
+    return out;
+  };
+  const std::string tooMany = ": a project holds at most 32767.";
+  struct Case {
+    const char* name;
+    int declared;
+    std::string records;
+    std::string message;  // empty: the project opens
+  } cases[] = {
+      {"the most categories, each with values", 32767, dat(bars(32766, "v"), 50), ""},
+      {"one category too many in the .nat", 32768, dat("", 1), "Too many categories (32768)" + tooMany},
+      {"a record with too many bars", 1, dat(bars(99999, ""), 1), "Record 1\r\n\r\nToo many categories (100000)" + tooMany},
+  };
+  for (const auto& c : cases) {
+    ts.sink.Clear();
+    testing::WriteBytes(ts.dir.file("m.nat"), nat(c.declared));
+    testing::WriteBytes(ts.dir.file("m.dat"), c.records);
+    const bool opened = OpenProjectFiles(session, ts.dir.file("m.dat"), nullptr);
+    EXPECT_EQ(opened, c.message.empty()) << c.name;
+    if (opened) {
+      const CategoryIndex& index = session.project.Categories;
+      EXPECT_EQ(index.CategoryLength[1], 1) << "v";
+      EXPECT_EQ(index.CategoryLength[32767], 50) << "one value a record";
+      EXPECT_EQ(index.CategoryStart[32767], 32767);
+      EXPECT_EQ(index.CategoryValues.size(), 32767u + 50u);
+    } else {
+      ASSERT_EQ(ts.sink.messages.size(), 1u) << c.name;
+      const std::string& text = ts.sink.messages[0].text;
+      EXPECT_EQ(text.substr(text.size() - c.message.size()), c.message) << c.name;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace vintar

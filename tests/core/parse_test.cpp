@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 #include "core/records.h"
 #include "support/test_support.h"
 
@@ -295,6 +298,12 @@ TEST_F(ParseTest, Formatters) {
   EXPECT_EQ(FormatLatitude(5), "05N00");
   EXPECT_EQ(FormatLongitude(-(151 + 13 / 60.0)), "151E13");
   EXPECT_EQ(FormatLongitude(0.5), "000W30");
+  // Values only a damaged file holds still format, at the limit.
+  EXPECT_EQ(FormatZone(3e38), "+2562047788015215:30:07");
+  EXPECT_EQ(FormatZone(std::nan("")), "+0:00");
+  EXPECT_EQ(FormatLatitude(1e30), "9223372036854775807N00");
+  EXPECT_EQ(FormatLongitude(-std::numeric_limits<double>::infinity()), "9223372036854775807E00");
+  EXPECT_EQ(FormatDate(session, 1, 1, -2147483647 - 1), "Jan 1 2147483649 BC");
 
   const std::pair<int, const char*> ordinals[] = {{1, "1st"},   {2, "2nd"},   {3, "3rd"},    {4, "4th"},
                                                   {11, "11th"}, {12, "12th"}, {13, "13th"},  {21, "21st"},

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -230,24 +233,31 @@ TEST_F(ProjectFileTest, AFailedSaveLeavesTheOldFilesAsTheyWere) {
     const char* name;
     std::string target;
     const char* folderInTheWay;  // a folder where a file should go
-    const char* error;
+    const char* writeProtected;  // a file made read-only (0444) first
+    std::string error;
   } cases[] = {
-      {"data file is a folder", Path("q.dat"), "q.dat", "Path/File access error"},
-      {"header file is a folder", Path("r.dat"), "r.nat", "Path/File access error"},
-      {"missing folder", Path("none/p.dat"), nullptr, "Path not found"},
+      {"data file is a folder", Path("q.dat"), "q.dat", nullptr, "Path/File access error"},
+      {"header file is a folder", Path("r.dat"), "r.nat", nullptr, "Path/File access error"},
+      {"missing folder", Path("none/p.dat"), nullptr, nullptr, "Path not found"},
+      {"write-protected data file", Path("q.dat"), nullptr, "q.dat",
+       "Permission denied\r\n" + Path("q.dat") + " is write-protected."},
+      {"write-protected header file", Path("q.dat"), nullptr, "q.nat",
+       "Permission denied\r\n" + Path("q.nat") + " is write-protected."},
   };
   for (const auto& c : cases) {
     ts.sink.Clear();
+    for (const char* f : {"q.dat", "q.nat"}) ::chmod(Path(f).c_str(), 0644);
     Put("q.dat", "old q"), Put("q.nat", "old q nat"), Put("r.dat", "old r");
     if (c.folderInTheWay) {
       std::filesystem::remove(Path(c.folderInTheWay));
       std::filesystem::create_directory(Path(c.folderInTheWay));
     }
+    if (c.writeProtected) ::chmod(Path(c.writeProtected).c_str(), 0444);
     status.NatChanged = status.DataChanged = kTrue;
     bool failed = false;
     WriteProject(session, c.target, session.project.Header, session.project.Events, failed, true);
     EXPECT_TRUE(failed) << c.name;
-    EXPECT_EQ(Messages(), std::vector<std::string>{std::string("Error whilst writing file:\r\n\r\n") + c.error});
+    EXPECT_EQ(Messages(), std::vector<std::string>{"Error whilst writing file:\r\n\r\n" + c.error});
     EXPECT_TRUE(status.NatChanged && status.DataChanged) << "change flags stay set";
 
     for (auto [file, old] : {std::pair{"q.dat", "old q"}, {"q.nat", "old q nat"}, {"r.dat", "old r"}}) {
@@ -257,6 +267,102 @@ TEST_F(ProjectFileTest, AFailedSaveLeavesTheOldFilesAsTheyWere) {
     }
     EXPECT_EQ(StrayFiles({"p.dat", "p.nat", "q.dat", "q.nat", "r.dat", "r.nat"}), 0) << "no temporary file left";
     std::filesystem::remove_all(Path(c.folderInTheWay ? c.folderInTheWay : "none"));
+  }
+}
+
+// A file that is there but cannot be read is an error with its reason,
+// never an empty project that a save would then write over.
+TEST_F(ProjectFileTest, FilesThatCannotBeReadAreErrorsNotEmptyProjects) {
+  Put("n2.dat", kRecordV2), Put("b5.dat", kRecordV2), Put("b5.nat", kNatV2);
+  std::filesystem::create_directory(Path("d1.dat"));
+  std::filesystem::create_directory(Path("n2.nat"));
+  ASSERT_EQ(::mkfifo(Path("p3.dat").c_str(), 0644), 0);
+  std::filesystem::resize_file(Put("b4.dat", ""), (256u << 20) + 1);  // sparse: no disk used
+  std::filesystem::resize_file(Put("b5.nat", ""), (16u << 20) + 1);
+  const std::string tooLarge = "File too large: the most this program reads is ";
+  struct Case {
+    const char* dat;
+    const char* reported;
+    std::string error;
+  } cases[] = {
+      {"d1.dat", "d1.dat", "Path/File access error"},
+      {"n2.dat", "n2.nat", "Path/File access error"},
+      {"p3.dat", "p3.dat", "Path/File access error (not a regular file)"},
+      {"b4.dat", "b4.dat", tooLarge + "256 MB."},
+      {"b5.dat", "b5.nat", tooLarge + "16 MB."},
+  };
+  for (const auto& c : cases) {
+    ts.sink.Clear();
+    EXPECT_FALSE(Open(Path(c.dat))) << c.dat;
+    EXPECT_EQ(Messages(), std::vector<std::string>{kReadError + Path(c.reported) + "\r\n\r\n" + c.error});
+    EXPECT_EQ(session.project.Header.RecordCount, 0);
+  }
+
+  // Permissions, as a user meets them (root reads past them).
+  ::chmod(ts.dir.path().c_str(), 0755);
+  ::chmod(Put("locked.dat", kRecordV2).c_str(), 0);
+  std::filesystem::create_directory(Path("shut"));
+  ::chmod(Put("shut/p.dat", kRecordV2).c_str(), 0666);
+  ::chmod(Path("shut").c_str(), 0555);
+  ts.sink.Clear();
+  int result = testing::RunInChild(
+      [&] {
+        if (Open(Path("locked.dat"))) return 1;
+        if (Messages() != std::vector<std::string>{kReadError + Path("locked.dat") + "\r\n\r\nPermission denied"})
+          return 2;
+        // A folder that cannot be written keeps its project as it was.
+        if (!Open(Path("shut/p.dat"))) return 3;
+        session.project.Status.DataChanged = session.project.Status.NatChanged = kTrue;
+        bool failed = false;
+        WriteProject(session, Path("shut/p.dat"), session.project.Header, session.project.Events, failed, true);
+        if (!failed || ts.sink.messages.back().text != "Error whilst writing file:\r\n\r\nPermission denied") return 4;
+        return ReadBytes(Path("shut/p.dat")) == kRecordV2 ? 0 : 5;
+      },
+      true);
+  EXPECT_EQ(result, 0);
+  ::chmod(Path("shut").c_str(), 0755);
+}
+
+// A kill between the two renames of a save leaves a new .dat beside the old
+// .nat; the next open finishes that save. A kill before them is undone.
+TEST_F(ProjectFileTest, AnInterruptedSaveIsFinishedOrUndoneByTheNextOpen) {
+  const std::string newNat = "VINTAR 2\r\n\"New\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\"\r\n\"\",\"\"\r\n";
+  const std::string newDat = kRecordV2 + kRecordV2;
+  // This process has no save under way, so its temporary files are stale;
+  // process 1 always runs, so its file belongs to a save in progress.
+  const std::string mine = std::to_string(::getpid()) + "-7";
+  struct Case {
+    const char* name;
+    bool datRenamed;     // the new .dat is in place
+    bool datStaged;      // the .dat temporary is still there
+    bool natStaged;      // the .nat temporary of the pair is there
+    const char* other;   // another temporary file beside the .dat
+    bool otherStays;
+    const char* expectDat;  // "old" or "new"
+    const char* expectNat;
+  } cases[] = {
+      {"killed while staging the .nat", false, true, true, nullptr, false, "old", "old"},
+      {"killed between the renames", true, false, true, nullptr, false, "new", "new"},
+      {"a dead save's temporary file", false, false, false, "p.dat.~999999999-0.tmp", false, "old", "old"},
+      {"an earlier version's temporary file", false, false, false, "p.dat.~999999999_3.tmp", false, "old", "old"},
+      {"a running save's temporary file", false, false, false, "p.dat.~1-0.tmp", true, "old", "old"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::filesystem::remove_all(Path("s"));
+    std::filesystem::create_directory(Path("s"));
+    const std::string dat = Put("s/p.dat", c.datRenamed ? newDat : kRecordV2);
+    Put("s/p.nat", kNatV2);
+    if (c.datStaged) Put("s/p.dat.~" + mine + ".tmp", newDat);
+    if (c.natStaged) Put("s/p.nat.~" + mine + ".pair.tmp", newNat);
+    if (c.other) Put(std::string("s/") + c.other, "x");
+    ASSERT_TRUE(Open(dat));
+    EXPECT_EQ(ReadBytes(dat), std::string(c.expectDat) == "new" ? newDat : kRecordV2);
+    EXPECT_EQ(ReadBytes(Path("s/p.nat")), std::string(c.expectNat) == "new" ? newNat : kNatV2);
+    EXPECT_EQ(session.project.Header.Title, std::string(c.expectNat) == "new" ? "New" : "Small");
+    int left = 0;
+    for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(Path("s"))) ++left;
+    EXPECT_EQ(left, c.otherStays ? 3 : 2);
   }
 }
 

@@ -2,6 +2,9 @@
 // and preferences, the zone table, and two sessions side by side.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 #include "core/file_io.h"
 #include "core/preferences.h"
 #include "core/session.h"
@@ -37,6 +40,15 @@ TEST(Text, CaseFoldingCoversLatin1Letters) {
   EXPECT_EQ(Utf8ToLatin1("10\xc2\xb0 \xe2\x98\x89"), "10\xb0 ?");
   EXPECT_EQ(Utf8ToLatin1("cut\xc3"), "cut\xc3");
   EXPECT_EQ(ZeroPad(-5, 3), "-005");
+  // A Latin-1 message holding a UTF-8 file name: the name's bytes stay, the
+  // rest is converted; overlong forms and surrogates are not UTF-8.
+  EXPECT_EQ(DisplayText("Caf\xe9: /tmp/caf\xc3\xa9 \xe6\x97\xa5\xe6\x9c\xac.dat"),
+            "Caf\xc3\xa9: /tmp/caf\xc3\xa9 \xe6\x97\xa5\xe6\x9c\xac.dat");
+  EXPECT_EQ(DisplayText("\xc0\xaf \xed\xa0\x80 \xc3"), "\xc3\x80\xc2\xaf \xc3\xad\xc2\xa0\xc2\x80 \xc3\x83");
+  EXPECT_EQ(ToIntSaturated(3e38), 2147483647);
+  EXPECT_EQ(ToIntSaturated(-1e300), -2147483647 - 1);
+  EXPECT_EQ(ToIntSaturated(std::nan("")), 0);
+  EXPECT_EQ(ToLongSaturated(-2.5), -2);
 }
 
 TEST(Messages, DefaultAndAllowedButtons) {

@@ -1,5 +1,10 @@
 #include "support/test_support.h"
 
+#include <grp.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -42,6 +47,24 @@ TestSession::TestSession() {
   StartSession(session, options);
   session.clock = Clock{2026, 11, 22, 10, 30, 0};
   sink.Clear();
+}
+
+int RunInChild(const std::function<int()>& body, bool unprivileged) {
+  std::fflush(nullptr);
+  const pid_t pid = ::fork();
+  if (pid < 0) return -1;
+  if (pid == 0) {
+    int code = 0;
+    if (unprivileged && ::geteuid() == 0 && (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0))
+      code = 125;
+    if (code == 0) code = body();
+    std::fflush(nullptr);
+    ::_exit(code);
+  }
+  int status = 0;
+  while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 double AngleDiff(double a, double b) {

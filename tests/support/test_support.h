@@ -4,6 +4,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "core/messages.h"
@@ -36,6 +37,14 @@ struct TestSession {
   CapturingSink sink;
   Session session{sink};
 };
+
+// Runs `body` in a forked child and returns what it returns, or -1 when the
+// child died by a signal. With `unprivileged`, the child first gives up
+// root for the user nobody, so that file permissions hold for it as they
+// do for a user (root reads and writes past them); the folders it uses
+// must be open to others. `body` must not use gtest assertions: it reports
+// by its return value, 0 for success.
+int RunInChild(const std::function<int()>& body, bool unprivileged = false);
 
 // Difference of two angles in degrees reduced to -180..180.
 double AngleDiff(double a, double b);
