@@ -227,10 +227,11 @@ void ParseCoordinate(Session& session, const std::string& input, const Coordinat
 // one) shows as the largest; NaN as zero.
 void CutToSexagesimal(double value, long long& whole, int& minutes, int& seconds) {
   whole = ToLongSaturated(std::floor(value));
-  double m = std::clamp((value - static_cast<double>(whole)) * 60.0, 0.0, 59.999999);
-  if (std::isnan(m)) m = 0.0;
+  minutes = seconds = 0;
+  if (!(value >= 0.0 && value < 9.0e18)) return;
+  double m = (value - static_cast<double>(whole)) * 60.0;
   minutes = static_cast<int>(std::floor(m));
-  seconds = std::clamp(static_cast<int>(std::floor((m - minutes) * 60.0)), 0, 59);
+  seconds = static_cast<int>(std::floor((m - minutes) * 60.0));
 }
 
 std::string FormatCoordinate(double value, char negativeLetter, char positiveLetter, int degreeWidth) {
