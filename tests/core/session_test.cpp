@@ -1,6 +1,10 @@
 // The session spine: the lenient numeric value, message boxes, profile files
 // and preferences, the zone table, and two sessions side by side.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
 
 #include <cmath>
 #include <limits>
@@ -273,14 +277,44 @@ TEST(ZoneTable, MissingFileLeavesTheTableAndShortLinesAreSafe) {
 TEST(AtomicWrite, ReplacesWholeOrNotAtAll) {
   TempDir dir;
   std::string path = dir.file("x.dat"), error;
+  auto files = [&] {
+    int n = 0;
+    for ([[maybe_unused]] auto& e : std::filesystem::directory_iterator(dir.path())) ++n;
+    return n;
+  };
   ASSERT_TRUE(WriteFileAtomically(path, "first", error));
+  // Left by a save that died, and by one still running (process 1 always runs).
+  WriteBytes(path + ".~999999999-0.tmp", "dead");
+  WriteBytes(path + ".~1-0.tmp", "running");
   ASSERT_TRUE(WriteFileAtomically(path, "second", error));
   EXPECT_EQ(ReadBytes(path), "second");
+  EXPECT_EQ(files(), 2) << "the dead save's file is gone, the running one's stays";
+  std::filesystem::remove(path + ".~1-0.tmp");
+
   EXPECT_FALSE(WriteFileAtomically(dir.file("missing/x.dat"), "third", error));
-  EXPECT_FALSE(error.empty());
-  int files = 0;
-  for ([[maybe_unused]] auto& e : std::filesystem::directory_iterator(dir.path())) ++files;
-  EXPECT_EQ(files, 1) << "no temporary file is left behind";
+  EXPECT_EQ(error, "Path not found");
+  ::chmod(path.c_str(), 0444);
+  EXPECT_FALSE(WriteFileAtomically(path, "third", error));
+  EXPECT_EQ(error, "Permission denied\r\n" + path + " is write-protected.");
+  ::chmod(path.c_str(), 0644);
+  // A disk that fills up: the write is cut short by the file size limit.
+  const int child = testing::RunInChild([&] {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{4096, 4096};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    std::string text;
+    return WriteFileAtomically(path, std::string(100000, 'x'), text) ? 1 : text == "Disk full" ? 0 : 2;
+  });
+  EXPECT_EQ(child, 0);
+  EXPECT_EQ(ReadBytes(path), "second");
+  EXPECT_EQ(files(), 1) << "no temporary file is left behind";
+}
+
+TEST(AtomicWrite, APreferenceFileThatCannotBeReadIsNotWrittenOver) {
+  TestSession t;
+  std::filesystem::resize_file(t.session.paths.PreferenceFile, 17u << 20);  // over the readers' limit
+  EXPECT_FALSE(PutProfileText(t.session, "Vintar", "Houses", "3"));
+  EXPECT_EQ(std::filesystem::file_size(t.session.paths.PreferenceFile), 17u << 20);
 }
 
 }  // namespace
