@@ -16,7 +16,7 @@
 
 #include "calc/cache.h"
 #include "calc/chart.h"
-#include "calc/calendar.h"
+#include "core/calendar.h"
 #include "calc/dynamic.h"
 #include "calc/ephemeris.h"
 #include "core/session.h"

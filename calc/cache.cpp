@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "calc/astro.h"
-#include "calc/calendar.h"
+#include "core/calendar.h"
 #include "calc/chart.h"
 #include "calc/dynamic.h"
 #include "core/file_io.h"

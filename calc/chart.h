@@ -14,7 +14,7 @@
 #include <string>
 
 #include "calc/astro.h"
-#include "calc/calendar.h"
+#include "core/calendar.h"
 #include "core/session.h"
 
 namespace vintar {

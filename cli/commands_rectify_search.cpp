@@ -6,7 +6,7 @@
 #include <memory>
 #include <sstream>
 
-#include "calc/calendar.h"
+#include "core/calendar.h"
 #include "calc/chart.h"
 #include "cli/commands.h"
 #include "core/parse.h"

@@ -19,7 +19,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "calc/calendar.h"
+#include "core/calendar.h"
 #include "core/messages.h"
 #include "core/records.h"
 #include "core/session.h"

@@ -15,7 +15,7 @@
 #include <system_error>
 #include <unordered_set>
 
-#include "calc/calendar.h"
+#include "core/calendar.h"
 #include "core/file_io.h"
 #include "core/parse.h"
 #include "core/progress.h"

@@ -10,7 +10,7 @@
 
 #include "calc/astro.h"
 #include "calc/cache.h"
-#include "calc/calendar.h"
+#include "core/calendar.h"
 #include "calc/dynamic.h"
 #include "calc/ephemeris.h"
 #include "calc/oracle.h"

@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "calc/calendar.h"
+#include "core/calendar.h"
 #include "core/progress.h"
 #include "core/session.h"
 #include "support/test_support.h"

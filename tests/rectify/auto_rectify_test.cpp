@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "calc/astro.h"
-#include "calc/calendar.h"
+#include "core/calendar.h"
 #include "calc/chart.h"
 #include "rectify/auto_rectify.h"
 #include "calc/oracle.h"

@@ -1,7 +1,7 @@
 // The viability report: counts, warnings and the exact text.
 #include <gtest/gtest.h>
 
-#include "calc/calendar.h"
+#include "core/calendar.h"
 #include "rectify/viability.h"
 #include "support/test_support.h"
 

@@ -2,7 +2,7 @@
 // Algorithms, ch. 7), the October 1582 reform, a day-by-day sweep from
 // -4712 onwards, the delta-T table and the stored moment of a record.
 
-#include "calc/calendar.h"
+#include "core/calendar.h"
 
 #include <gtest/gtest.h>
 

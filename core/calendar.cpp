@@ -6,7 +6,7 @@
 // negative years back to -4712 January 1.5 = JD 0. Checked against the
 // worked examples of that chapter and against the reform of October 1582.
 
-#include "calc/calendar.h"
+#include "core/calendar.h"
 
 #include <algorithm>
 #include <array>
