@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <charconv>
 #include <limits>
+#include <unordered_map>
+#include <unordered_set>
 #include <cmath>
 #include <filesystem>
 #include <vector>
@@ -39,21 +41,21 @@ class ProfileFile {
   }
 
   bool Get(const std::string& section, const std::string& key, std::string& value) const {
-    auto [first, last] = SectionRange(section);
-    for (size_t i = first; i < last; ++i) {
-      std::string k;
-      if (KeyOf(lines_[i], k) && EqualsIgnoreCase(k, Trim(key))) {
-        std::string v = Trim(lines_[i].substr(lines_[i].find('=') + 1));
-        if (v.size() >= 2 && v.front() == '"' && v.back() == '"') v = v.substr(1, v.size() - 2);
-        value = v;
-        return true;
-      }
-    }
-    return false;
+    // The first key of the name in the first section of the name, found
+    // through an index of the whole file so that a long file is read once.
+    if (!indexed_) BuildIndex();
+    auto found = index_.find(IndexKey(section, key));
+    if (found == index_.end()) return false;
+    const std::string& line = lines_[found->second];
+    std::string v = Trim(line.substr(line.find('=') + 1));
+    if (v.size() >= 2 && v.front() == '"' && v.back() == '"') v = v.substr(1, v.size() - 2);
+    value = v;
+    return true;
   }
 
   // An empty value removes the key.
   void Put(const std::string& section, const std::string& key, const std::string& value) {
+    indexed_ = false;
     auto [first, last] = SectionRange(section);
     if (first == npos) {
       if (value.empty()) return;
@@ -128,9 +130,32 @@ class ProfileFile {
     return {npos, npos};
   }
 
+  static std::string IndexKey(const std::string& section, const std::string& key) {
+    return UCase(Trim(section)) + '\n' + UCase(Trim(key));
+  }
+
+  void BuildIndex() const {
+    index_.clear();
+    std::unordered_set<std::string> sectionsSeen;
+    std::string section;
+    bool firstOfItsName = false;
+    for (size_t i = 0; i < lines_.size(); ++i) {
+      std::string name, key;
+      if (IsSectionLine(lines_[i], name)) {
+        section = name;
+        firstOfItsName = sectionsSeen.insert(UCase(name)).second;
+      } else if (firstOfItsName && KeyOf(lines_[i], key)) {
+        index_.emplace(IndexKey(section, key), i);  // the first of a name stays
+      }
+    }
+    indexed_ = true;
+  }
+
   std::string path_;
   std::vector<std::string> lines_;
   int readError_ = 0;
+  mutable std::unordered_map<std::string, size_t> index_;
+  mutable bool indexed_ = false;
 };
 
 const std::string& FileOrPreferences(const Session& session, const std::string& file) {
