@@ -3,7 +3,11 @@ BUILD      ?= build
 ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc)
 
-.PHONY: all deps build demo test test-asan test-plain bench clean
+FUZZ_BUILD   ?= build-fuzz
+FUZZ_SECONDS ?= 60
+FUZZ_TARGETS ?= dat nat ini timezone cache pla options parse
+
+.PHONY: all deps build demo test test-asan test-plain bench clean fuzz fuzz-build
 
 all: build
 
@@ -38,5 +42,17 @@ test: test-plain test-asan
 bench: build
 	$(BUILD)/bench/vintar_bench
 
+# libFuzzer harnesses of the file readers, built with clang under ASan and
+# UBSan; each runs FUZZ_SECONDS on a working copy of its corpus in
+# $(FUZZ_BUILD)/corpus. Crashing inputs land in $(FUZZ_BUILD)/artifacts.
+$(FUZZ_BUILD)/CMakeCache.txt: | deps
+	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DVINTAR_FUZZ=ON -DCMAKE_BUILD_TYPE=RelWithDebInfo
+
+fuzz-build: deps $(FUZZ_BUILD)/CMakeCache.txt
+	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target $(addprefix fuzz_,$(FUZZ_TARGETS))
+
+fuzz: fuzz-build
+	bash fuzz/run-fuzzers.sh $(FUZZ_BUILD) $(FUZZ_SECONDS) $(FUZZ_TARGETS)
+
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)
