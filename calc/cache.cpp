@@ -288,11 +288,13 @@ bool Recalculate(Session& session, const std::string& path, int count, RunSettin
   CacheReader old;
   old.Open(path, count);
   CacheWriter out;
-  // Copies records first..last of the old file into the new one.
-  auto copyOld = [&](long long first, long long last) {
+  // Copies records first..last of the old file into the new one. A record
+  // that can no longer be read ends the copy: a failure when every record
+  // must be there to keep the new file's records in their places.
+  auto copyOld = [&](long long first, long long last, bool all) {
     for (long long k = first; k <= last; ++k) {
       const unsigned char* bytes = old.Record(k);
-      if (bytes == nullptr) break;  // an unreadable stretch ends the old file
+      if (bytes == nullptr) return !all;
       if (!out.Add(bytes)) return false;
     }
     return true;
@@ -304,7 +306,7 @@ bool Recalculate(Session& session, const std::string& path, int count, RunSettin
   for (int n = 1; n <= count; ++n) {
     if (progress && progress->Cancelled()) {
       // Keep what was done, and the old records behind it.
-      if (out.IsOpen() && copyOld(n, old.Present())) out.Commit();
+      if (out.IsOpen() && copyOld(n, old.Present(), false)) out.Commit();
       return false;
     }
     const EventRecord& e = session.project.Events[n];
@@ -323,7 +325,7 @@ bool Recalculate(Session& session, const std::string& path, int count, RunSettin
       if (out.IsOpen() && !out.Add(cached)) return false;
       continue;
     }
-    if (!out.IsOpen() && (!out.Open(path) || !copyOld(1, n - 1))) return false;
+    if (!out.IsOpen() && (!out.Open(path) || !copyOld(1, n - 1, true))) return false;
     if (run.type == kSolarArc && !haveRadix) {
       // Every record moves the same radix chart: compute it once.
       DynamicOptions options;
