@@ -41,6 +41,11 @@ for name in "$@"; do
   status=$?
   execs=$(awk '/^stat::number_of_executed_units:/ {s += $2} END {print s + 0}' "$log")
   rate=$(awk '/^stat::average_exec_per_sec:/ {s += $2} END {print s + 0}' "$log")
+  if [ "$execs" -eq 0 ]; then
+    # -fork mode prints no final stats: its last progress line counts all jobs.
+    execs=$(grep -oE '^#[0-9]+' "$log" | tail -1 | tr -d '#')
+    rate=$(grep -oE 'exec/s [0-9]+' "$log" | tail -1 | cut -d' ' -f2)
+  fi
   after=$(count_files "$corpus")
   artifacts_after=$(ls "$build/artifacts" | grep -c "^$name-" || true)
   if [ "$status" -ne 0 ] || [ "$artifacts_after" -gt "$artifacts_before" ]; then
