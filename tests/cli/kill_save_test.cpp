@@ -102,13 +102,16 @@ TEST(KillDuringSave, AProjectIsAlwaysWholeOldOrWholeNew) {
   const long full = Duration(dir, save);
   ASSERT_EQ(ReadBytes(target), newDat);
 
+  // Half the kills anywhere in the run, half near its end, where the files
+  // are written and renamed.
   std::mt19937_64 random(20261123);
-  std::uniform_int_distribution<long> moment(0, full + full / 5);
+  std::uniform_int_distribution<long> anywhere(0, full + full / 5), nearTheEnd(full * 4 / 5, full + full / 20);
+  auto moment = [&](int round) { return round % 2 ? anywhere(random) : nearTheEnd(random); };
   const int rounds = Rounds(60);
   int killed = 0, old = 0, whole = 0, finished = 0, temporaries = 0;
   for (int round = 0; round < rounds; ++round) {
     reset();
-    killed += KillAfter(Start(dir, save), moment(random));
+    killed += KillAfter(Start(dir, save), moment(round));
     temporaries += FilesIn(dir.file("p")) - 2;
     finished += RecoverInterruptedSave(target);
     const std::string dat = ReadBytes(target), nat = ReadBytes(targetNat);
