@@ -133,7 +133,10 @@ class CacheReader {
 // the old cache as it was. Records go out in order, in batches.
 class CacheWriter {
  public:
-  bool Open(const std::string& path) { return stream_.Open(path) == 0; }
+  bool Open(const std::string& path) {
+    stream_.SetDerived();
+    return stream_.Open(path) == 0;
+  }
   bool IsOpen() const { return stream_.IsOpen(); }
   bool Add(const unsigned char* bytes) {
     pending_.insert(pending_.end(), bytes, bytes + kCacheRecordSize);

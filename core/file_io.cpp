@@ -231,7 +231,7 @@ int StagedStream::Write(const void* data, size_t size) {
 int StagedStream::Close() {
   if (fd_ < 0) return temp_.empty() ? EBADF : 0;
   int err = 0;
-  if (::fsync(fd_) != 0 && errno != EINVAL && errno != EROFS) err = errno;
+  if (!derived_ && ::fsync(fd_) != 0 && errno != EINVAL && errno != EROFS) err = errno;
   if (::close(fd_) != 0 && err == 0) err = errno;
   fd_ = -1;
   return err;
@@ -239,7 +239,8 @@ int StagedStream::Close() {
 
 int StagedStream::Commit() {
   int err = Close();
-  if (err == 0) err = RenameDurably(temp_, target_);
+  if (err == 0) err = derived_ ? (::rename(temp_.c_str(), target_.c_str()) == 0 ? 0 : errno)
+                               : RenameDurably(temp_, target_);
   if (err != 0) {
     Discard();
     return err;

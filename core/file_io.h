@@ -73,6 +73,11 @@ class StagedStream {
   int Write(const void* data, size_t size);
   // Syncs and closes the temporary file, leaving it in place.
   int Close();
+  // Files that can be made again from others (the position caches, checked
+  // record by record on every run) skip the sync to the disk: a killed
+  // program still leaves the old file or the whole new one, and only a
+  // power cut at the wrong moment could cost the new one.
+  void SetDerived() { derived_ = true; }
   // Close, then rename over the target; on failure the temporary file goes.
   int Commit();
   void Discard();
@@ -83,6 +88,7 @@ class StagedStream {
 
  private:
   int fd_ = -1;
+  bool derived_ = false;
   std::string target_, temp_, token_;
 };
 
