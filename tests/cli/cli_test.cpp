@@ -115,16 +115,6 @@ TEST_F(Cli, VersionOneProjectIsSavedAsVersionTwo) {
   EXPECT_EQ(show.json()["header"]["formatVersion"], 2);
 }
 
-TEST_F(Cli, AMalformedProjectFailsCleanlyAndASaveOverItIsRefused) {
-  std::string bad = dir.file("bad.dat");
-  std::string bytes = "\"One\",1990,1,2,3,4,5,0,2,\"UT\",0,\"\",0,0,-1,0,\"\"\r\n\"Two\",oops,1\r\n";
-  WriteBytes(bad, bytes);
-  CliRun r = Vintar({"project", "show", bad, "--json"});
-  EXPECT_EQ(r.status, 1);
-  EXPECT_NE(r.err.find("Record 2"), std::string::npos) << r.err;
-  EXPECT_EQ(ReadBytes(bad), bytes) << "reading never touches the file";
-}
-
 TEST_F(Cli, PrefsSetAndShow) {
   CliRun set = Vintar({"prefs", "set", "Houses", "6"});
   ASSERT_EQ(set.status, 0) << set.err;
