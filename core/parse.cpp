@@ -81,15 +81,6 @@ bool ToInt16(double value, int16_t& out) {
   return true;
 }
 
-// A numeric value forced into 16 bits, for outputs that keep a bad value.
-int16_t ClampToInt16(double value) {
-  if (std::isnan(value)) return 0;
-  double r = std::nearbyint(value);
-  r = std::clamp(r, static_cast<double>(std::numeric_limits<int16_t>::min()),
-                 static_cast<double>(std::numeric_limits<int16_t>::max()));
-  return static_cast<int16_t>(r);
-}
-
 void Complain(Session& session, bool show, const std::string& text, const std::string& title) {
   if (show) session.ShowMessage(text, kIconStop, title);
 }

@@ -1,13 +1,12 @@
 #include "core/preferences.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cmath>
+#include <filesystem>
 #include <limits>
 #include <unordered_map>
 #include <unordered_set>
-#include <cmath>
-#include <filesystem>
 #include <vector>
 
 #include "core/file_io.h"
@@ -192,7 +191,7 @@ long PreferenceIntegerFrom(const ProfileFile& profile, const std::string& key, l
   if (!profile.Get("Vintar", key, value)) return def;
   double v = Val(value);
   if (v > 2147483647.0 || v < -2147483648.0) return def;
-  return ToIntSaturated(v);
+  return static_cast<long>(v);
 }
 
 double PreferenceFloatFrom(const ProfileFile& profile, const std::string& key, double def) {
@@ -310,9 +309,7 @@ void LoadPreferences(Session& session) {
 
   for (const PreferenceKey& k : kKeys) {
     if (k.integer)
-      p.*k.integer = static_cast<int16_t>(std::clamp<long>(PreferenceIntegerFrom(profile, k.name, defaults.*k.integer),
-                                                           std::numeric_limits<int16_t>::min(),
-                                                           std::numeric_limits<int16_t>::max()));
+      p.*k.integer = ClampToInt16(PreferenceIntegerFrom(profile, k.name, defaults.*k.integer));
     else if (k.number)
       p.*k.number = static_cast<float>(PreferenceFloatFrom(profile, k.name, defaults.*k.number));
     else if (k.text)

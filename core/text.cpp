@@ -1,5 +1,6 @@
 #include "core/text.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
@@ -102,6 +103,13 @@ int ToIntSaturated(double value) {
   if (value <= static_cast<double>(std::numeric_limits<int>::min())) return std::numeric_limits<int>::min();
   if (value >= static_cast<double>(std::numeric_limits<int>::max())) return std::numeric_limits<int>::max();
   return static_cast<int>(value);
+}
+
+int16_t ClampToInt16(double value) {
+  if (std::isnan(value)) return 0;
+  const double r = std::clamp(std::nearbyint(value), static_cast<double>(std::numeric_limits<int16_t>::min()),
+                              static_cast<double>(std::numeric_limits<int16_t>::max()));
+  return static_cast<int16_t>(r);
 }
 
 long long ToLongSaturated(double value) {

@@ -7,6 +7,7 @@
 // would have them.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,8 @@ double Val(std::string_view s);
 // plain conversion of a value out of range is undefined.
 int ToIntSaturated(double value);
 long long ToLongSaturated(double value);
+// Rounded to the nearest whole number and forced into 16 bits; NaN gives 0.
+int16_t ClampToInt16(double value);
 
 // Format an integer with at least `width` digits, zero padded ("0", "00", "0000").
 std::string ZeroPad(long long value, int width);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <numeric>
@@ -568,9 +567,7 @@ bool FieldNumber(const std::string& text, double& value) {
 void LoadPeakSettings(Session& session) {
   Preferences& p = session.prefs;
   const Preferences d;
-  auto integer = [&](const char* key, int16_t def) {
-    return static_cast<int16_t>(std::clamp<long>(GetPreferenceInteger(session, key, def), INT16_MIN, INT16_MAX));
-  };
+  auto integer = [&](const char* key, int16_t def) { return ClampToInt16(GetPreferenceInteger(session, key, def)); };
   p.MinPeakWidth = integer("MinPeakWidth", d.MinPeakWidth);
   p.PeakSDFactor = static_cast<float>(GetPreferenceFloat(session, "PeakSDFactor", d.PeakSDFactor));
   p.ForcePeakSDFactor = static_cast<float>(GetPreferenceFloat(session, "ForcePeakSDFactor", d.ForcePeakSDFactor));
