@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/session.h"
 #include "core/text.h"
 
 namespace vintar {
@@ -70,19 +71,14 @@ int ReadFile(const std::string& path, std::string& bytes, uint64_t maxBytes, boo
   return err;
 }
 
-std::string FolderOf(const std::string& path) {
-  const size_t slash = path.find_last_of('/');
-  if (slash == std::string::npos) return ".";
-  return slash == 0 ? "/" : path.substr(0, slash);
+// The folder of a file, to open: "." for a bare file name.
+std::string FolderToOpen(const std::string& path) {
+  const std::string folder = PathFolder(path);
+  return folder.empty() ? "." : folder;
 }
 
-std::string NameOf(const std::string& path) {
-  const size_t slash = path.find_last_of('/');
-  return slash == std::string::npos ? path : path.substr(slash + 1);
-}
-
-void SyncFolder(const std::string& folder) {
-  const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+void SyncFolderOf(const std::string& path) {
+  const int fd = ::open(FolderToOpen(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (fd < 0) return;
   ::fsync(fd);
   ::close(fd);
@@ -142,9 +138,9 @@ std::string TemporaryName(const std::string& target, const std::string& token, c
 
 std::vector<TemporaryFile> FindTemporaries(const std::string& target) {
   std::vector<TemporaryFile> found;
-  const std::string folder = FolderOf(target);
-  const std::string prefix = NameOf(target) + ".~";
-  DIR* dir = ::opendir(folder.c_str());
+  const std::string folder = PathFolder(target);
+  const std::string prefix = PathFileName(target) + ".~";
+  DIR* dir = ::opendir(FolderToOpen(target).c_str());
   if (!dir) return found;
   while (const dirent* entry = ::readdir(dir)) {
     const std::string name = entry->d_name;
@@ -162,7 +158,7 @@ std::vector<TemporaryFile> FindTemporaries(const std::string& target) {
     while (i < rest.size() && rest[i] >= '0' && rest[i] <= '9') ++i;
     if (i == digits) continue;
     TemporaryFile t;
-    t.path = folder == "/" ? "/" + name : folder + "/" + name;
+    t.path = folder + name;
     t.token = rest.substr(0, i);
     if (i < rest.size()) {
       if (rest[i] != '.') continue;
@@ -182,7 +178,7 @@ void RemoveStaleTemporaries(const std::string& target) {
 
 int RenameDurably(const std::string& from, const std::string& to) {
   if (::rename(from.c_str(), to.c_str()) != 0) return errno;
-  SyncFolder(FolderOf(to));
+  SyncFolderOf(to);
   return 0;
 }
 
@@ -239,8 +235,8 @@ int StagedStream::Close() {
 
 int StagedStream::Commit() {
   int err = Close();
-  if (err == 0) err = derived_ ? (::rename(temp_.c_str(), target_.c_str()) == 0 ? 0 : errno)
-                               : RenameDurably(temp_, target_);
+  if (err == 0 && ::rename(temp_.c_str(), target_.c_str()) != 0) err = errno;
+  if (err == 0 && !derived_) SyncFolderOf(target_);
   if (err != 0) {
     Discard();
     return err;
