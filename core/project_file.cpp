@@ -857,16 +857,11 @@ void RebuildCategoryIndex(Session& session, const ProjectHeader& header, const s
   std::vector<std::unordered_set<std::string>> seen(static_cast<size_t>(count) + 1);
   const int32_t last = std::min<int32_t>(header.RecordCount, static_cast<int32_t>(records.size()) - 1);
   for (int32_t i = 1; i <= last; ++i) {
-    const std::string& list = records[i].Categories;
-    size_t from = 0;
-    for (int c = 1; c <= count && from < list.size(); ++c) {
-      size_t bar = list.find('|', from);
-      const size_t end = bar == std::string::npos ? list.size() : bar;
-      if (isList[c]) {
-        std::string value = Trim(std::string_view(list).substr(from, end - from));
-        if (seen[c].insert(UCase(value)).second) gathered[c].push_back(std::move(value));
-      }
-      from = end + 1;
+    const std::vector<std::string> elements = SplitCategoryList(records[i].Categories, count);
+    for (size_t c = 1; c < elements.size(); ++c) {
+      if (!isList[c]) continue;
+      std::string value = Trim(elements[c]);
+      if (seen[c].insert(UCase(value)).second) gathered[c].push_back(std::move(value));
     }
   }
 
