@@ -327,13 +327,15 @@ class Mover {
       default:
         return false;
     }
-    // Mean quotidian angles turn once a progressed day.
-    if (angle && q_.DynamicType != kTransits && q_.Method == kMeanQuotidian) period_ = 1.0 / kSiderealRatio;
+    // Mean quotidian angles turn once a progressed day. Directed angles move
+    // with the rest of the radix.
+    if (angle && (q_.DynamicType == kSecondary || q_.DynamicType == kTertiary) && q_.Method == kMeanQuotidian)
+      period_ = 1.0 / kSiderealRatio;
     if (period_ <= 0.0) return false;
 
     const ChartSlot& radix = s_.charts.Slots[q_.RadixSlot];
     radixJD_ = radix.ChartJD;
-    if (q_.DynamicType == kSolarArc && !angle) {
+    if (q_.DynamicType == kSolarArc) {
       radixLon_ = RadixTropical(s_, q_.RadixSlot, kSun);
       if (radixLon_ < 0.0) return false;
       const double lon = q_.Coordinate == kGeocentric
@@ -354,6 +356,11 @@ class Mover {
   bool CanStation() const { return canStation_; }
   int Rounds() const { return rounds_; }
 
+  // The zodiac offset carried by the moving positions at `t`.
+  double OffsetAt(double t) const {
+    return q_.OffsetOfMoment ? SessionSiderealOffset(s_, CenturiesFrom1900(t)) : q_.SiderealOffset;
+  }
+
   Sample At(double t) {
     Sample s;
     s.t = t;
@@ -370,6 +377,15 @@ class Mover {
     const int p = q_.Point;
     ChartTables& c = s_.charts;
     const int slot = q_.Slot;
+    if (q_.DynamicType == kSolarArc) {
+      // Every point, the angles included, is its radix place moved by the arc.
+      ComputePositions(s_, slot, kSun, kSun, CenturiesFrom1900(t), 0.0);
+      const double sun = c.Longitude[kGeocentric][slot][kSun];
+      if (sun < 0.0) return false;
+      position = Mod(pointLon_ + Mod(sun - radixLon_, 360.0) + q_.SiderealOffset, 360.0);
+      speed = c.LongSpeed[kGeocentric][slot][kSun];
+      return true;
+    }
     if (p >= kAscendant) {
       double first = 0.0;
       if (!AngleAt(t, first)) return false;
@@ -381,15 +397,7 @@ class Mover {
       speed = Separation(second, first) / h;
       return true;
     }
-    if (q_.DynamicType == kSolarArc) {
-      ComputePositions(s_, slot, kSun, kSun, CenturiesFrom1900(t), 0.0);
-      const double sun = c.Longitude[kGeocentric][slot][kSun];
-      if (sun < 0.0) return false;
-      position = Mod(pointLon_ + Mod(sun - radixLon_, 360.0) + q_.SiderealOffset, 360.0);
-      speed = c.LongSpeed[kGeocentric][slot][kSun];
-      return true;
-    }
-    ComputePositions(s_, slot, p, p, CenturiesFrom1900(t), q_.SiderealOffset);
+    ComputePositions(s_, slot, p, p, CenturiesFrom1900(t), OffsetAt(t));
     position = c.Longitude[q_.Coordinate][slot][p];
     speed = c.LongSpeed[q_.Coordinate][slot][p];
     return position >= 0.0;
@@ -397,14 +405,13 @@ class Mover {
 
   bool AngleAt(double t, double& position) {
     const int slot = q_.Slot;
-    const double rate = q_.DynamicType == kSolarArc ? ProgressionRate(kSolarArc, 1) : ProgressionRate(q_.DynamicType, 0);
-    const double lifeJD = radixJD_ + (t - radixJD_) / rate;
+    const double lifeJD = radixJD_ + (t - radixJD_) / ProgressionRate(q_.DynamicType, 0);
+    const double offset = OffsetAt(t);
     if (q_.Method == kSolarArcLongitude) {
-      ComputePositions(s_, slot, kSun, kSun, CenturiesFrom1900(t), q_.SiderealOffset);
+      ComputePositions(s_, slot, kSun, kSun, CenturiesFrom1900(t), offset);
       if (s_.charts.Longitude[kGeocentric][slot][kSun] < 0.0) return false;
     }
-    ProgressedAngles(s_, (lifeJD - radixJD_) / kDaysPerYearOfLife, t, slot, q_.RadixSlot, q_.Method,
-                     q_.SiderealOffset);
+    ProgressedAngles(s_, (lifeJD - radixJD_) / kDaysPerYearOfLife, t, slot, q_.RadixSlot, q_.Method, offset);
     position = s_.charts.Longitude[kGeocentric][slot][q_.Point];
     return position >= 0.0;
   }

@@ -85,6 +85,9 @@ struct HitQuery {
   int RadixSlot = 1;          // the radix chart (for progressed angles and solar arc)
   int Method = 1;             // progression method for the angles
   double SiderealOffset = 0;  // added to the moving point's positions
+  // In its place, the offset of the session's zodiac at each moment of the
+  // search (a sidereal zodiac's offset grows with precession).
+  bool OffsetOfMoment = false;
 };
 struct HitResult {
   std::vector<double> Passes;  // dates of the passes at or after FromJD, in date order

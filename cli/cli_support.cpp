@@ -91,25 +91,6 @@ void TerminalProgress::Draw() {
   drawn_ = true;
 }
 
-std::string ZodiacPosition(const Session& session, double longitude, bool seconds) {
-  if (!std::isfinite(longitude)) return "not a number";
-  if (longitude < 0) return "not computed";
-  const long unit = seconds ? 3600 : 60;
-  long total = std::lround(std::fmod(longitude, 360.0) * unit);
-  if (total >= 360L * unit) total -= 360L * unit;
-  const long perSign = 30L * unit;
-  const int sign = static_cast<int>(total / perSign);
-  const long within = total % perSign;
-  std::ostringstream out;
-  out << std::setw(2) << within / unit << kDegreeSign << std::setw(2) << std::setfill('0');
-  if (seconds)
-    out << within / 60 % 60 << "'" << std::setw(2) << within % 60 << "\"";
-  else
-    out << within % 60 << "'";
-  out << " " << session.vocab.SignShort[sign + 1];
-  return out.str();
-}
-
 bool OpenProjectForCommand(Context& ctx, const std::string& datPathArg) {
   if (OpenProjectFiles(ctx.session, datPathArg, nullptr)) return true;
   if (ctx.json) ctx.PrintJson({{"failed", true}});

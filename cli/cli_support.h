@@ -65,10 +65,6 @@ class TerminalProgress : public Progress {
   std::string caption_, status_;
 };
 
-// A longitude as degrees, minutes and (with `seconds`) seconds within its
-// sign and the sign's abbreviation: 15 degrees 23'12" Le. Latin-1 text.
-std::string ZodiacPosition(const Session& session, double longitude, bool seconds = true);
-
 // Opens the project of a command: on failure prints {"failed": true} with
 // --json (the reader has already said why) and returns false.
 bool OpenProjectForCommand(Context& ctx, const std::string& datPathArg);

@@ -7,7 +7,9 @@
 #include <sstream>
 
 #include "cli/commands.h"
+#include "core/parse.h"
 #include "rectify/auto_rectify.h"
+#include "rectify/graphs.h"
 #include "rectify/search.h"
 #include "rectify/viability.h"
 
@@ -44,13 +46,16 @@ std::string Range(const Session& s, const std::array<float, 2>& r) {
   return ZodiacPosition(s, r[0], false) + " to " + ZodiacPosition(s, r[1], false);
 }
 
-int RunAuto(Context& ctx, const std::string& path) {
+int RunAuto(Context& ctx, const std::string& path, int threads) {
   Session& s = ctx.session;
   if (!OpenProjectForCommand(ctx, path)) return kExitFailed;
   Rectification rect;
+  LoadGraphSettings(s, rect.graphs);
   TerminalProgress progress(ctx);
   progress.Caption("Auto Rectify");
-  AutoRectifyResult r = RunAutoRectify(s, rect, kAutoFromEvents, &progress);
+  AutoRectifyOptions options;
+  options.Threads = threads;
+  AutoRectifyResult r = RunAutoRectify(s, rect, kAutoFromEvents, &progress, options);
 
   if (ctx.json) {
     nlohmann::json rows = nlohmann::json::array();
@@ -100,9 +105,14 @@ void AddRectifyAutoCommands(CLI::App& rectify, Context& ctx, Action& action) {
   viability->callback([&ctx, &action, path] { action = [&ctx, path] { return RunViability(ctx, *path); }; });
 
   auto autoPath = std::make_shared<std::string>();
+  auto threads = std::make_shared<int>(0);
   auto* autoRun = rectify.add_subcommand("auto", "Run Auto Rectify and print the ranked birth times");
   autoRun->add_option("project", *autoPath, "The project's .dat file")->required();
-  autoRun->callback([&ctx, &action, autoPath] { action = [&ctx, autoPath] { return RunAuto(ctx, *autoPath); }; });
+  autoRun->add_option("--threads", *threads, "Threads for the candidates' searches (0: one per core)")
+      ->check(CLI::Range(0, 256));
+  autoRun->callback([&ctx, &action, autoPath, threads] {
+    action = [&ctx, autoPath, threads] { return RunAuto(ctx, *autoPath, *threads); };
+  });
 }
 
 }  // namespace vintar::cli

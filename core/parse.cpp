@@ -17,7 +17,9 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <iomanip>
 #include <limits>
+#include <sstream>
 
 #include "core/calendar.h"
 #include "core/messages.h"
@@ -779,6 +781,25 @@ void SetRecordLatitude(Session& session, EventRecord& record, const std::string&
   bool failed = false;
   ParseLatitude(session, text, value, false, failed);
   record.Latitude = static_cast<float>(value);
+}
+
+std::string ZodiacPosition(const Session& session, double longitude, bool seconds) {
+  if (!std::isfinite(longitude)) return "not a number";
+  if (longitude < 0) return "not computed";
+  const long unit = seconds ? 3600 : 60;
+  long total = std::lround(std::fmod(longitude, 360.0) * unit);
+  if (total >= 360L * unit) total -= 360L * unit;
+  const long perSign = 30L * unit;
+  const int sign = static_cast<int>(total / perSign);
+  const long within = total % perSign;
+  std::ostringstream out;
+  out << std::setw(2) << within / unit << kDegreeSign << std::setw(2) << std::setfill('0');
+  if (seconds)
+    out << within / 60 % 60 << "'" << std::setw(2) << within % 60 << "\"";
+  else
+    out << within % 60 << "'";
+  out << " " << session.vocab.SignShort[sign + 1];
+  return out.str();
 }
 
 }  // namespace vintar

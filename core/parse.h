@@ -36,6 +36,9 @@ std::string FormatZone(double hours);
 std::string FormatLatitude(double value);
 std::string FormatLongitude(double value);
 std::string FormatOrdinal(int n);
+// A longitude as degrees, minutes and (with `seconds`) seconds within its
+// sign and the sign's abbreviation: 15 degrees 23'12" Le. Latin-1 text.
+std::string ZodiacPosition(const Session& session, double longitude, bool seconds = true);
 std::string ShortenPath(const std::string& path);
 
 bool IsAllDigits(const std::string& text);

@@ -244,6 +244,8 @@ const PreferenceKey kKeys[] = {
     {"UranusGlyph", nullptr, nullptr, &Preferences::UranusGlyph},
     {"PlutoGlyph", nullptr, nullptr, &Preferences::PlutoGlyph},
     {"CapricornGlyph", nullptr, nullptr, &Preferences::CapricornGlyph},
+    {"AutoGraphMinWeight", nullptr, &Preferences::AutoGraphMinWeight},
+    {"AutoScoreMode", &Preferences::AutoScoreMode},
 };
 
 std::string RecentKey(const char* kind, int i) { return kind + std::to_string(i); }
@@ -330,6 +332,8 @@ void LoadPreferences(Session& session) {
   // load the point holds the cusp's value, and the cusp stays as read.
   p.PointOnCusp = static_cast<int16_t>(ClampInteger(p.WhichCusp, 1, 12));
   p.Zodiac = static_cast<int16_t>(ClampInteger(p.Zodiac, 1, 9));
+  if (!(p.AutoGraphMinWeight >= 0.0f)) p.AutoGraphMinWeight = defaults.AutoGraphMinWeight;
+  p.AutoScoreMode = static_cast<int16_t>(ClampInteger(p.AutoScoreMode, 0, 1));
 }
 
 bool SavePreferences(Session& session) {
@@ -362,6 +366,15 @@ bool SavePreferences(Session& session) {
   flag("WhichCusp", p.WhichCusp);
   flag("Zodiac", p.Zodiac);
   put("UserAyan", NumberText(p.UserAyan));
+  // The Auto Rectify settings are written once they differ from their
+  // defaults or stand in the file, so that a file that never had them keeps
+  // the same keys as ever.
+  const Preferences defaults;
+  std::string present;
+  if (p.AutoGraphMinWeight != defaults.AutoGraphMinWeight || profile.Get("Vintar", "AutoGraphMinWeight", present))
+    put("AutoGraphMinWeight", NumberText(p.AutoGraphMinWeight));
+  if (p.AutoScoreMode != defaults.AutoScoreMode || profile.Get("Vintar", "AutoScoreMode", present))
+    flag("AutoScoreMode", p.AutoScoreMode);
   std::string error;
   return profile.Save(error);
 }

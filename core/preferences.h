@@ -50,6 +50,13 @@ struct Preferences {
   std::string UranusGlyph = "191";
   std::string PlutoGlyph = "193";
   std::string CapricornGlyph = "137";
+  // Auto Rectify. The graph weight below which the graph stage stops
+  // narrowing the graphs to the slower planets; a higher value keeps the
+  // faster planets in projects of few events.
+  float AutoGraphMinWeight = 100.0f;
+  // How the candidates are ranked: 0 by the overall score of the three
+  // searches, 1 by the transit ratio alone (ties by the overall score).
+  int16_t AutoScoreMode = 0;
 
   // The node point that is live in a chart: 19 true, 20 mean.
   int NodePoint() const { return TrueNode ? 19 : 20; }

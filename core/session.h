@@ -41,6 +41,9 @@ struct SessionPaths {
 class Session {
  public:
   explicit Session(MessageSink& sink) : sink_(&sink) {}
+  // A copy of `other` whose messages go to `sink`: the session of a worker
+  // that computes beside the main one.
+  Session(const Session& other, MessageSink& sink) : Session(other) { sink_ = &sink; }
 
   // The only message box: beeps when the Sound preference is on, shows the
   // box and returns the button pressed.

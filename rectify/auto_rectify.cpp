@@ -1,10 +1,17 @@
 #include "rectify/auto_rectify.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
 
 #include "calc/astro.h"
 #include "calc/cache.h"
 #include "calc/chart.h"
+#include "calc/ephemeris.h"
 #include "core/parse.h"
 #include "core/text.h"
 #include "rectify/graphs.h"
@@ -14,7 +21,6 @@
 namespace vintar {
 namespace {
 
-constexpr float kMinGraphWeight = 100.0f;
 constexpr int kAutoGraphs[2] = {4, 5};
 constexpr int kRadixSlot = 1;
 
@@ -60,22 +66,16 @@ class RunStatus {
   CancelOnly cancelOnly_;
 };
 
-std::string HoursText(const Session& session, double hours) {
-  long seconds = std::lround(Mod(hours, 24.0) * 3600.0) % 86400;
-  return FormatTime(static_cast<int>(seconds / 3600), static_cast<int>(seconds / 60 % 60),
-                    static_cast<int>(seconds % 60), session.prefs.AMPM != 0);
-}
-
 // Graphs 1 and 2 become transits in both frames at harmonic 12, their
 // working copies 4 and 5 are narrowed to the slow planets while they hold
-// enough weight, and analysed.
+// enough weight, and analysed. The graphs' other settings are the
+// project's as they stand.
 bool GraphStage(Session& session, GraphState& graphs, RunStatus& status) {
   status.Say("Calculating Event Graphs...");
   if (!CheckEventOrder(session)) {
     status.Say("You will need to use the manual rectification procedure if you wish to proceed any further.");
     return false;
   }
-  LoadGraphSettings(session, graphs);
   graphs.GraphCount = 2;
   for (int g = 1; g <= 2; ++g) {
     GraphRecord& r = graphs.Graph[g];
@@ -93,7 +93,7 @@ bool GraphStage(Session& session, GraphState& graphs, RunStatus& status) {
       SelectOnlyPoints(graphs, g, first, kPluto);
       CalcHarmDist(session, graphs, g, 0, cancelled);
       if (cancelled) return false;
-      if (graphs.Graph[g].TotalWeight < kMinGraphWeight) break;
+      if (graphs.Graph[g].TotalWeight < session.prefs.AutoGraphMinWeight) break;
     }
     AnalyseHarmDist(graphs, g);
   }
@@ -128,15 +128,82 @@ bool AngleStage(Session& session, Rectification& rect, RunStatus& status) {
   return true;
 }
 
-// Three searches per candidate; each pass stops the run on a cancel.
-bool SearchStage(Session& session, Rectification& rect, AutoRectifyResult& result, RunStatus& status) {
+// The search stage's workers. Candidates are independent of one another, so
+// each pass hands them out to workers that each own a copy of the session
+// (its chart slots, its ephemeris state on its own thread) and a search
+// state; the transit positions a worker computed serve its next candidate.
+// A worker's messages are kept per candidate and shown afterwards in
+// candidate order, so the run says and scores the same on any number of
+// threads.
+struct Worker {
+  CapturingSink sink;
+  std::unique_ptr<Session> session;
+  SearchState search;
+};
+
+struct CandidateResult {
+  float Ratio = 0.0f;
+  int Total = 0;
+  bool Done = false;         // searched and scored
+  bool Failed = false;       // the candidate's chart could not be cast
+  std::vector<CapturingSink::Entry> Messages;
+};
+
+// Forwards a shared stop request to a worker's search.
+class StopFlag : public Progress {
+ public:
+  explicit StopFlag(const std::atomic<bool>& stop) : stop_(stop) {}
+  bool Cancelled() override { return stop_.load(std::memory_order_relaxed); }
+
+ private:
+  const std::atomic<bool>& stop_;
+};
+
+// One candidate of one pass: its chart in slot 1, the search, the scores.
+CandidateResult SearchCandidate(Worker& w, int type, double time, const std::string& from, const std::string& to,
+                                Progress* cancel) {
+  CandidateResult r;
+  Session& session = *w.session;
+  const ProjectHeader& h = session.project.Header;
+  w.sink.Clear();
+  try {
+  if (CalcChart(session, kRadixSlot, h.Date, AutoTimeText(session, time), h.ZoneTime, h.Longitude, h.Latitude)) {
+    DynamicSearchNew(session, w.search, type, from, to, cancel);
+    if (!w.search.Cancelled) {
+      for (int i = 1; i <= w.search.HitCount(); ++i) {
+        DynamicHit& hit = w.search.Hits[i];
+        ScoreHit(session, w.search, hit, NearestEvent(session, hit), true);
+      }
+      const SearchTotalsResult totals = SearchTotals(w.search);
+      r.Ratio = totals.Ratio;
+      r.Total = totals.Total;
+      r.Done = true;
+    }
+  } else {
+    r.Failed = true;
+  }
+  } catch (...) {
+    r = CandidateResult{};
+    r.Failed = true;
+  }
+  r.Messages = std::move(w.sink.messages);
+  return r;
+}
+
+int WorkerCount(int asked, int candidates) {
+  int n = asked > 0 ? asked : static_cast<int>(std::thread::hardware_concurrency());
+  return std::clamp(n, 1, std::max(1, candidates));
+}
+
+// Three searches per candidate, pass by pass; a cancel stops the run.
+bool SearchStage(Session& session, Rectification& rect, AutoRectifyResult& result, RunStatus& status,
+                 const AutoRectifyOptions& options) {
   const std::string optionsPath = OptionsLoadPath(session, OptionsFile::Auto);
   SearchState& search = rect.search;
   if (!LoadDynOptions(search.Options, optionsPath)) {
     session.ShowMessage("Unable to open rectification options file: " + optionsPath, kIconExclamation, "Vintar");
     return false;
   }
-  const ProjectHeader& h = session.project.Header;
   const std::string from = DefaultSearchStart(session), to = DefaultSearchEnd(session);
   const AngleResult& candidates = rect.peaks.Results;
   const int n = candidates.Count;
@@ -144,28 +211,129 @@ bool SearchStage(Session& session, Rectification& rect, AutoRectifyResult& resul
   const double steps = 3.0 * n;
   int done = 0;
 
+  const int threads = WorkerCount(options.Threads, n);
+  std::vector<Worker> workers(threads);
+  for (Worker& w : workers) {
+    w.session = std::make_unique<Session>(session, w.sink);
+    w.session->charts.EphemerisCalls = 0;
+    w.search = search;
+  }
+  const Worker* last = nullptr;  // the worker of the last search, whose state the run leaves
+  std::atomic<bool> stop{false};
+  StopFlag stopFlag(stop);
+
+  auto say = [&](const Pass& pass, int c, double time) {
+    status.Say(std::string(pass.status) + AutoTimeText(session, time) + "  Searching... " + std::to_string(c) +
+               " of " + std::to_string(n));
+    status.Fraction(done / steps);
+  };
+  auto candidateTime = [&](int c) {
+    return CircularMid(24.0, candidates.ResultTime[c][kLow], candidates.ResultTime[c][kHigh]);
+  };
+
+  bool cancelled = false, failed = false;
   for (const Pass& pass : kPasses) {
-    for (int c = 1; c <= n; ++c) {
-      const double time = CircularMid(24.0, candidates.ResultTime[c][kLow], candidates.ResultTime[c][kHigh]);
-      status.Say(std::string(pass.status) + HoursText(session, time) + "  Searching... " + std::to_string(c) +
-                 " of " + std::to_string(n));
-      status.Fraction(done++ / steps);
-      if (!CalcChart(session, kRadixSlot, h.Date, HoursText(session, time), h.ZoneTime, h.Longitude, h.Latitude))
-        return false;
-      DynamicSearchNew(session, search, pass.type, from, to, status.Inner());
-      if (search.Cancelled || status.Cancelled()) {
-        result.Cancelled = true;
-        return false;
+    std::vector<CandidateResult> results(n + 1);
+    if (threads == 1) {
+      Worker& w = workers[0];
+      for (int c = 1; c <= n && !cancelled; ++c) {
+        say(pass, c, candidateTime(c));
+        results[c] = SearchCandidate(w, pass.type, candidateTime(c), from, to, status.Inner());
+        last = &w;
+        ++done;
+        failed = results[c].Failed;
+        cancelled = !failed && !results[c].Done;
+        if (failed) break;
       }
-      for (int i = 1; i <= search.HitCount(); ++i) {
-        DynamicHit& hit = search.Hits[i];
-        ScoreHit(session, search, hit, NearestEvent(session, hit), true);
+    } else {
+      // Workers take candidates in order; this thread reports, polls the
+      // cancel request and waits.
+      std::mutex m;
+      std::condition_variable changed;
+      std::vector<int> started;  // candidates begun, not yet reported
+      int next = 1, finished = 0, lastCandidate = 0;
+      auto work = [&](Worker& w, bool ownThread) {
+        w.session->EphemerisPath.clear();  // the ephemeris keeps its path per thread
+        for (;;) {
+          int c;
+          {
+            std::lock_guard<std::mutex> lock(m);
+            if (next > n || stop) break;
+            c = next++;
+            started.push_back(c);
+          }
+          changed.notify_one();
+          CandidateResult r = SearchCandidate(w, pass.type, candidateTime(c), from, to, &stopFlag);
+          {
+            std::lock_guard<std::mutex> lock(m);
+            results[c] = std::move(r);
+            ++finished;
+            if (c >= lastCandidate) {
+              lastCandidate = c;
+              last = &w;
+            }
+          }
+          changed.notify_one();
+        }
+        if (ownThread) CloseEphemeris();
+      };
+      std::vector<std::thread> pool;
+      try {
+        for (Worker& w : workers) pool.emplace_back(work, std::ref(w), true);
+      } catch (...) {
+        // No more threads to be had: those started carry on.
       }
-      const SearchTotalsResult totals = SearchTotals(search);
-      result.Scores[c][pass.type] = totals.Ratio;
-      if (pass.type == kSecondary) result.MaxSec = std::max(result.MaxSec, static_cast<float>(totals.Total));
-      if (pass.type == kSolarArc) result.MaxDir = std::max(result.MaxDir, static_cast<float>(totals.Total));
+      if (pool.empty()) work(workers[0], false);
+      {
+        std::unique_lock<std::mutex> lock(m);
+        size_t reported = 0;
+        int seen = -1;
+        while (finished < next - 1 || (next <= n && !stop)) {
+          for (; reported < started.size(); ++reported) {
+            const int c = started[reported];
+            lock.unlock();
+            say(pass, c, candidateTime(c));
+            lock.lock();
+          }
+          done = static_cast<int>(&pass - kPasses) * n + finished;
+          seen = finished;
+          lock.unlock();
+          if (!stop && status.Cancelled()) stop = true;
+          lock.lock();
+          changed.wait_for(lock, std::chrono::milliseconds(50),
+                           [&] { return finished != seen || reported < started.size(); });
+        }
+      }
+      for (std::thread& t : pool) t.join();
+      done = static_cast<int>(&pass - kPasses + 1) * n;
+      for (int c = 1; c <= n; ++c) failed = failed || results[c].Failed;
+      cancelled = !failed && (stop || std::any_of(results.begin() + 1, results.end(),
+                                                  [](const CandidateResult& r) { return !r.Done; }));
     }
+
+    for (int c = 1; c <= n; ++c) {
+      for (const auto& m : results[c].Messages) session.ShowMessage(m.text, m.flags, m.title);
+      if (!results[c].Done) continue;
+      result.Scores[c][pass.type] = results[c].Ratio;
+      const auto total = static_cast<float>(results[c].Total);
+      if (pass.type == kSecondary) result.MaxSec = std::max(result.MaxSec, total);
+      if (pass.type == kSolarArc) result.MaxDir = std::max(result.MaxDir, total);
+    }
+    if (cancelled || failed) break;
+  }
+
+  // The session and the search are left as the last search left them.
+  uint64_t calls = session.charts.EphemerisCalls;
+  for (const Worker& w : workers) calls += w.session->charts.EphemerisCalls;
+  if (last) {
+    session.charts = last->session->charts;
+    search = last->search;
+  }
+  session.charts.EphemerisCalls = calls;
+  if (failed) return false;
+  if (cancelled) {
+    result.Cancelled = true;
+    return false;
   }
   status.Fraction(1.0);
   return true;
@@ -181,6 +349,13 @@ void Rank(const Session& session, const AngleResult& candidates, AutoRectifyResu
     result.Order[c] = c;
   }
   IndexSortFloat(result.Overall, result.Order, n, /*descending=*/true);
+  if (session.prefs.AutoScoreMode == 1) {
+    // By the transit ratio alone; the sort is stable, so equal ratios stay
+    // in the order of the overall score.
+    std::vector<float> transits(n + 1, 0.0f);
+    for (int c = 1; c <= n; ++c) transits[c] = result.Scores[c][kTransits];
+    IndexSortFloat(transits, result.Order, n, /*descending=*/true);
+  }
 
   result.Rows.clear();
   for (int k = 1; k <= n; ++k) {
@@ -189,7 +364,7 @@ void Rank(const Session& session, const AngleResult& candidates, AutoRectifyResu
     row.Candidate = c;
     const auto& t = candidates.ResultTime[c];
     row.Time = CircularMid(24.0, t[kLow], t[kHigh]);
-    row.TimeText = HoursText(session, row.Time);
+    row.TimeText = AutoTimeText(session, row.Time);
     row.PlusMinusMinutes = static_cast<int>(Mod(t[kHigh] + 24.0 - t[kLow], 24.0) / 2.0 * 60.0);
     row.Asc = candidates.ResultAsc[c];
     row.MC = candidates.ResultMC[c];
@@ -203,6 +378,22 @@ void Rank(const Session& session, const AngleResult& candidates, AutoRectifyResu
 
 }  // namespace
 
+std::string AutoTimeText(const Session& session, double hours) {
+  long seconds = std::lround(Mod(hours, 24.0) * 3600.0) % 86400;
+  return FormatTime(static_cast<int>(seconds / 3600), static_cast<int>(seconds / 60 % 60),
+                    static_cast<int>(seconds % 60), session.prefs.AMPM != 0);
+}
+
+std::string CandidateRowText(const Session& session, const AngleResult& candidates, int c) {
+  if (c < 1 || c > candidates.Count) return {};
+  const auto range = [&](const AngleResult::Range& r) {
+    return ZodiacPosition(session, r[kLow], false) + "-" + ZodiacPosition(session, r[kHigh], false);
+  };
+  const auto& t = candidates.ResultTime[c];
+  return AutoTimeText(session, t[kLow]) + "-" + AutoTimeText(session, t[kHigh]) + "   " +
+         range(candidates.ResultAsc[c]) + "   " + range(candidates.ResultMC[c]);
+}
+
 float OverallScore(float transits, float progressions, float solarArcs) {
   const float t = transits, s = progressions, d = solarArcs;
   float sum;
@@ -215,7 +406,8 @@ float OverallScore(float transits, float progressions, float solarArcs) {
   return sum / 2.0f;
 }
 
-AutoRectifyResult RunAutoRectify(Session& session, Rectification& rect, int mode, Progress* progress) {
+AutoRectifyResult RunAutoRectify(Session& session, Rectification& rect, int mode, Progress* progress,
+                                 const AutoRectifyOptions& options) {
   AutoRectifyResult result;
   RunStatus status(result, progress);
   const uint64_t callsBefore = session.charts.EphemerisCalls;
@@ -227,7 +419,7 @@ AutoRectifyResult RunAutoRectify(Session& session, Rectification& rect, int mode
     PeakStage(session, rect, status);
     ok = AngleStage(session, rect, status);
   }
-  if (ok) ok = SearchStage(session, rect, result, status);
+  if (ok) ok = SearchStage(session, rect, result, status, options);
 
   if (!result.Scores.empty()) Rank(session, rect.peaks.Results, result);
   result.Finished = ok && !result.Cancelled;

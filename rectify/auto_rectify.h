@@ -7,7 +7,10 @@
 //
 // Times are local decimal hours of the natal date; scores are fractions
 // (0.25 shows as 25%). Candidate charts are cast through CalcChart, so their
-// moments are universal time without delta-T.
+// moments are universal time without delta-T. The candidates' searches run
+// on as many threads as asked, with results identical to one thread.
+// Checked by tests/rectify/auto_rectify_test.cpp on the scoring rule, the
+// stages' texts and a sample project on one and two threads.
 #pragma once
 
 #include <array>
@@ -23,6 +26,19 @@ namespace vintar {
 // Where a run starts: 0 from the events, 1 from the peaks of graphs 4 and 5
 // already built, 2 from the candidate list that SearchAngles already made.
 inline constexpr int kAutoFromEvents = 0, kAutoFromPeaks = 1, kAutoFromCandidates = 2;
+
+// The candidate list of the Auto Rectify screen: its column heading and a
+// row per candidate (time range, Ascendant range, MC range, three blanks
+// between).
+inline constexpr const char* kCandidateHeading = "  Time              Asc                  MC";
+std::string CandidateRowText(const Session& session, const AngleResult& candidates, int candidate);
+// A time of the run as the candidate charts are cast: local hours as text.
+std::string AutoTimeText(const Session& session, double hours);
+
+// The screen's texts: the stop button's caption once the run has ended, and
+// the title of its print dialogue.
+inline constexpr const char* kAutoQuitCaption = "&Quit";
+inline constexpr const char* kAutoPrintTitle = "Print Auto Rectify Report";
 
 // One row of the ranked result, in report order.
 struct AutoRectifyRow {
@@ -51,9 +67,17 @@ struct AutoRectifyResult {
   uint64_t EphemerisCalls = 0;
 };
 
+struct AutoRectifyOptions {
+  int Threads = 0;  // workers for the candidates' searches; 0: one per core
+};
+
 // The whole run. Status lines go to `progress` as they change; so does the
-// cancel request, which ends the run as the stop button does.
-AutoRectifyResult RunAutoRectify(Session& session, Rectification& rect, int mode, Progress* progress = nullptr);
+// cancel request, which ends the run as the stop button does. The graphs'
+// settings are those standing in `rect` (the project's, once loaded); the
+// preferences AutoGraphMinWeight and AutoScoreMode choose how far the
+// graphs are narrowed and how the candidates are ranked.
+AutoRectifyResult RunAutoRectify(Session& session, Rectification& rect, int mode, Progress* progress = nullptr,
+                                 const AutoRectifyOptions& options = {});
 
 // The overall score of one candidate from its three ratios: the lowest of
 // T, S and D is left out and the other two averaged.

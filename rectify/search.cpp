@@ -147,6 +147,14 @@ class MovingPoints {
     return At(point, eph, lon, speed);
   }
 
+  // The zodiac offset of the moving positions at an ephemeris moment: each
+  // moment's own in a sidereal zodiac; for directions the radix chart's,
+  // since the whole radix moves by one arc.
+  double OffsetAt(double eph) const {
+    const auto& f = st_.Moments;
+    return f.Type == kSolarArc ? f.Offset : SessionSiderealOffset(s_, CenturiesFrom1900(eph));
+  }
+
  private:
   static constexpr double kSpeedStep = 1e-3;  // days, for the angles' speed
 
@@ -154,7 +162,7 @@ class MovingPoints {
     const auto& f = st_.Moments;
     ChartTables& c = s_.charts;
     if (point < 1 || point > kPoints) return false;
-    if (point >= kAscendant) {
+    if (point >= kAscendant && f.Type != kSolarArc) {
       // Transiting angles belong to a place and moment, not to the chart.
       if (f.Type == kTransits) return false;
       double later = 0.0;
@@ -177,7 +185,7 @@ class MovingPoints {
       return true;
     }
     if (point == kEarth) return false;  // no geocentric Earth
-    ComputePositions(s_, kWorkSlot, point, point, T, f.Offset);
+    ComputePositions(s_, kWorkSlot, point, point, T, OffsetAt(eph));
     lon = c.Longitude[kGeocentric][kWorkSlot][point];
     speed = c.LongSpeed[kGeocentric][kWorkSlot][point];
     return lon >= 0.0;
@@ -185,12 +193,13 @@ class MovingPoints {
 
   bool AngleAt(int point, double eph, double& lon) {
     const auto& f = st_.Moments;
+    const double offset = OffsetAt(eph);
     if (f.Method == kSolarArcLongitude) {
-      ComputePositions(s_, kWorkSlot, kSun, kSun, CenturiesFrom1900(eph), f.Offset);
+      ComputePositions(s_, kWorkSlot, kSun, kSun, CenturiesFrom1900(eph), offset);
       if (s_.charts.Longitude[kGeocentric][kWorkSlot][kSun] < 0.0) return false;
     }
     const double elapsed = (Life(eph) - f.RadixJD) / kDaysPerYearOfLife;
-    ProgressedAngles(s_, elapsed, eph, kWorkSlot, kRadixSlot, f.Method, f.Offset);
+    ProgressedAngles(s_, elapsed, eph, kWorkSlot, kRadixSlot, f.Method, offset);
     lon = s_.charts.Longitude[kGeocentric][kWorkSlot][point];
     return lon >= 0.0;
   }
@@ -200,9 +209,8 @@ class MovingPoints {
 };
 
 // The moment frame of a search: radix moment, progression method and the
-// zodiac offset of the moving positions (the radix chart's for directions,
-// the middle of the window's for the rest).
-void SetFrame(Session& session, SearchState& state, int type, double ephMiddle) {
+// zodiac (directions keep the radix chart's offset).
+void SetFrame(Session& session, SearchState& state, int type) {
   const ChartSlot& radix = session.charts.Slots[kRadixSlot];
   SearchState::Frame f;
   f.RadixJD = radix.ChartJD;
@@ -210,13 +218,16 @@ void SetFrame(Session& session, SearchState& state, int type, double ephMiddle) 
   f.RadixLongitude = radix.Longitude;
   f.Type = type;
   f.Method = ClampInteger(session.prefs.Progressions, kNaibod, kMeanQuotidian);
-  f.Offset = type == kSolarArc ? radix.SiderealOffset : SessionSiderealOffset(session, CenturiesFrom1900(ephMiddle));
+  f.Offset = type == kSolarArc ? radix.SiderealOffset : 0.0;
+  f.Zodiac = session.prefs.Zodiac;
+  f.UserAyan = session.prefs.UserAyan;
   // Transits do not depend on the chart: the positions of one search serve
   // the next (Auto Rectify searches one window for many trial charts).
   const SearchState::Frame& old = state.Moments;
-  const bool keep = type == kTransits && old.Type == kTransits && old.Offset == f.Offset &&
+  const bool sameZodiac = old.Zodiac == f.Zodiac && old.UserAyan == f.UserAyan && old.Offset == f.Offset;
+  const bool keep = type == kTransits && old.Type == kTransits && sameZodiac &&
                     state.Positions.size() < kMaxKeptPositions;
-  const bool same = keep || (old.Type == f.Type && old.Offset == f.Offset && old.Method == f.Method &&
+  const bool same = keep || (old.Type == f.Type && sameZodiac && old.Method == f.Method &&
                              old.RadixJD == f.RadixJD && old.RadixLatitude == f.RadixLatitude &&
                              old.RadixLongitude == f.RadixLongitude);
   if (!same) state.Positions.clear();
@@ -263,7 +274,7 @@ Sweep SweepPoint(MovingPoints& mover, int type, int method, int point, double ep
     return sweep;
   }
   double step = 0.0;
-  if (point >= kAscendant) {
+  if (point >= kAscendant && type != kSolarArc) {
     if (method == kMeanQuotidian) {  // a turn of the zodiac each progressed day
       sweep.Everywhere = true;
       sweep.Turns = span;
@@ -380,6 +391,7 @@ class HitSearch {
     q.RadixSlot = kRadixSlot;
     q.Method = st_.Moments.Method;
     q.SiderealOffset = st_.Moments.Offset;
+    q.OffsetOfMoment = st_.Moments.Type != kSolarArc;
     auto call = [&](double from) {
       q.FromJD = from;
       return NextHit(s_, q);
@@ -448,20 +460,16 @@ class HitSearch {
     return true;
   }
 
-  // How long (ephemeris days) the point takes to move the orb from a pass:
-  // by its speed, and near a station by its change of speed.
+  // How long (ephemeris days) the point takes to move the orb from a pass at
+  // its speed there. A point caught at its station barely moves: its range
+  // is bounded by the window rather than left infinite.
   double OrbDays(int point, double t) {
     const double orb = st_.Options[st_.Moments.Type].Orb;
     if (!(orb > 0.0)) return 0.0;
-    double lon = 0.0, v = 0.0, lon2 = 0.0, v2 = 0.0;
+    double lon = 0.0, v = 0.0;
     if (!mover_.At(point, t, lon, v)) return 0.0;
-    double days = std::fabs(v) > 0.0 ? orb / std::fabs(v) : HUGE_VAL;
-    const double h = 1.0;
-    if (mover_.At(point, t + h, lon2, v2)) {
-      const double acceleration = std::fabs(v2 - v) / h;
-      if (acceleration > 0.0) days = std::min(days, std::sqrt(2.0 * orb / acceleration));
-    }
-    return std::isfinite(days) ? days : 0.0;
+    const double span = to_ - from_;
+    return std::fabs(v) * span > orb ? orb / std::fabs(v) : span;
   }
 
   // Whether the point stays near the target between two passes: then they
@@ -555,14 +563,14 @@ bool ParseWindowDate(Session& session, const std::string& text, double& jd) {
   return true;
 }
 
-// The earliest and latest enabled records by moment.
-bool EnabledSpan(const Session& session, int& first, int& last) {
+// The earliest and latest records by moment, of the enabled ones only or of all.
+bool RecordSpan(const Session& session, bool enabledOnly, int& first, int& last) {
   const ProjectState& p = session.project;
   const int count = std::min<int>(p.Header.RecordCount, static_cast<int>(p.Events.size()) - 1);
   first = last = 0;
   for (int n = 1; n <= count; ++n) {
     const EventRecord& e = p.Events[n];
-    if (!e.Enabled) continue;
+    if (enabledOnly && !e.Enabled) continue;
     if (first == 0 || e.JulianDay < p.Events[first].JulianDay) first = n;
     if (last == 0 || e.JulianDay > p.Events[last].JulianDay) last = n;
   }
@@ -633,7 +641,7 @@ std::string EncodeDynOptions(const DynOptionSet& records) {
 }
 
 void DecodeDynOptions(const std::string& bytes, DynOptionSet& records) {
-  ResetDynOptions(records);
+  for (DynOptions& r : records) r.Orb = kDefaultOrb;
   const int whole = std::min<int>(kDynOptionTypes, static_cast<int>(bytes.size() / kDynOptionRecordBytes));
   for (int type = 0; type < whole; ++type) {
     DynOptions& r = records[type];
@@ -649,7 +657,7 @@ void DecodeDynOptions(const std::string& bytes, DynOptionSet& records) {
 }
 
 bool LoadDynOptions(DynOptionSet& records, const std::string& path) {
-  ResetDynOptions(records);
+  for (DynOptions& r : records) r.Orb = kDefaultOrb;
   std::string bytes;
   if (path.empty() || ReadFileBytes(path, bytes, kMaxSmallFileBytes) != 0) return false;
   DecodeDynOptions(bytes, records);
@@ -742,8 +750,7 @@ bool DynamicSearchNew(Session& session, SearchState& state, int dynamicType, con
   if (!ParseWindowDate(session, fromText, fromJD) || !ParseWindowDate(session, toText, toJD)) return false;
   state.StartDate = fromText;
   state.EndDate = toText;
-  // The window includes the whole of its last day.
-  return DynamicSearchWindow(session, state, dynamicType, fromJD, toJD + 1.0, progress);
+  return DynamicSearchWindow(session, state, dynamicType, fromJD, toJD, progress);
 }
 
 bool DynamicSearchWindow(Session& session, SearchState& state, int dynamicType, double fromJD, double toJD,
@@ -761,7 +768,7 @@ bool DynamicSearchWindow(Session& session, SearchState& state, int dynamicType, 
     const double rate = EphemerisRate(dynamicType);
     const double ephFrom = radix.ChartJD + (fromJD - radix.ChartJD) * rate;
     const double ephTo = radix.ChartJD + (toJD - radix.ChartJD) * rate;
-    SetFrame(session, state, dynamicType, (ephFrom + ephTo) / 2.0);
+    SetFrame(session, state, dynamicType);
     MovingPoints mover(session, state);
 
     // One look at the ends of the window first: beyond the ephemeris, one
@@ -822,9 +829,7 @@ int NearestEvent(const Session& session, const DynamicHit& hit) {
   double best = 1e99;
   int nearest = 0;
   for (int n = 1; n <= count; ++n) {
-    const EventRecord& e = p.Events[n];
-    if (!e.Enabled) continue;
-    const double d = std::fabs(e.JulianDay - middle);
+    const double d = std::fabs(p.Events[n].JulianDay - middle);
     if (d < best) {
       best = d;
       nearest = n;
@@ -840,7 +845,7 @@ HitScoreText ScoreHit(Session& session, SearchState& state, DynamicHit& hit, int
     const double middle = (hit.FirstDate + hit.LastDate) / 2.0;
     // Scored without a search of this chart: the frame of the chart now in slot 1.
     if (state.Moments.Type < 0 || state.Moments.RadixJD != session.charts.Slots[kRadixSlot].ChartJD)
-      SetFrame(session, state, state.DynamicType, middle);
+      SetFrame(session, state, state.DynamicType);
     const double radixJD = state.Moments.RadixJD;
     if (!quiet) text.Age = FormatFixed1((middle - radixJD) / kDaysPerYearOfLife) + " Years";
 
@@ -911,7 +916,7 @@ std::string ScorePercent(float ratio) { return std::to_string(std::lround(ratio 
 
 std::string DefaultSearchStart(Session& session) {
   int first = 0, last = 0;
-  if (EnabledSpan(session, first, last))
+  if (RecordSpan(session, true, first, last))
     return FormatDate(session, 1, 1, session.project.Events[first].Year - 2);
   // No events: the radix date.
   int16_t day = 0, month = 0, year = 0;
@@ -930,7 +935,7 @@ std::string DefaultSearchStart(Session& session) {
 
 std::string DefaultSearchEnd(Session& session) {
   int first = 0, last = 0;
-  if (EnabledSpan(session, first, last))
+  if (RecordSpan(session, false, first, last))
     return FormatDate(session, 1, 1, session.project.Events[last].Year + 2);
   return FormatDate(session, session.clock.Day, session.clock.Month, session.clock.Year);
 }

@@ -65,11 +65,13 @@ void ResetDynOptions(DynOptionSet& records);
 // RadixPoints (point p at byte 2 * (p - 1)), DynamicPoints from byte 48,
 // Aspects from byte 96, Orb as a single at byte 110.
 std::string EncodeDynOptions(const DynOptionSet& records);
-// Resets, then reads the whole records that `bytes` holds; the rest keep
-// their defaults. An orb that is not a number from 0 to 180 reads as 1.0.
+// Sets every orb to 1.0, then reads the whole records that `bytes` holds;
+// the flags of the rest stay as they were. An orb that is not a number from
+// 0 to 180 reads as 1.0.
 void DecodeDynOptions(const std::string& bytes, DynOptionSet& records);
-// Load resets first, then reads the file; a missing or short file is no
-// error. Returns whether a file was read.
+// Load sets every orb to 1.0 first, then reads the file; a missing or short
+// file is no error and leaves the flags it does not hold as they were.
+// Returns whether a file was read.
 bool LoadDynOptions(DynOptionSet& records, const std::string& path);
 // Writes the four records atomically, creating the folder when needed.
 // False, with the system's text in `error`, when the file cannot be written.
@@ -155,7 +157,9 @@ struct SearchState {
   struct Frame {
     double RadixJD = 0.0;
     double RadixLatitude = 0.0, RadixLongitude = 0.0;
-    double Offset = 0.0;  // zodiac offset of the moving positions
+    double Offset = 0.0;  // directions: the radix chart's zodiac offset
+    int16_t Zodiac = 1;   // the zodiac of the moving positions
+    float UserAyan = 0.0f;
     int Method = 1;       // progression method of the angles
     int Type = -1;
   } Moments;
@@ -163,14 +167,14 @@ struct SearchState {
 };
 
 // The search of one dynamic type against the trial chart standing in slot
-// 1, between two date texts (parsed with their messages; the window runs to
-// the end of its last day). Uses slot 2 for positions. Fills state.Hits (500
+// 1, between two date texts (parsed with their messages; the two dates are
+// the window's ends). Uses slot 2 for positions. Fills state.Hits (500
 // at most; further hits are dropped), state.HitOrder and the window. Moving
 // points are searched from 24 down to 1, each over its targets starting
 // from the one nearest its place; a point without a position (the Earth,
-// transiting angles) is passed over. The moving positions carry one zodiac
-// offset for the whole search: the radix chart's for directions, that of the
-// middle of the window otherwise. Progress gets the percent done after each
+// transiting angles) is passed over. In a sidereal zodiac each moving
+// position carries the offset of its own moment; directions carry the radix
+// chart's, since the whole radix moves by one arc. Progress gets the percent done after each
 // moving point and can stop the search (state.Cancelled). Returns false,
 // with an empty list, when a date does not parse, the window is empty or
 // beyond the ephemeris (its message once), the trial chart was never cast
@@ -181,8 +185,8 @@ bool DynamicSearchNew(Session& session, SearchState& state, int dynamicType, con
 bool DynamicSearchWindow(Session& session, SearchState& state, int dynamicType, double fromJD, double toJD,
                          Progress* progress = nullptr);
 
-// The enabled record whose moment lies closest to the middle of the hit;
-// ties keep the earlier record. 0 when no record is enabled.
+// The record whose moment lies closest to the middle of the hit, disabled
+// records included; ties keep the earlier record. 0 without records.
 int NearestEvent(const Session& session, const DynamicHit& hit);
 
 // The captions of a scored hit for the search screen.
@@ -211,8 +215,8 @@ std::string ScorePercent(float ratio);
 
 // The default window as date texts: from 1 January of the year of the
 // earliest enabled event less 2 to 1 January of the year of the latest
-// enabled event plus 2. Without enabled events, from the natal date to
-// today (the session's clock).
+// event (enabled or not) plus 2. Without enabled events the start is the
+// natal date; without records the end is today (the session's clock).
 std::string DefaultSearchStart(Session& session);
 std::string DefaultSearchEnd(Session& session);
 

@@ -214,9 +214,18 @@ TEST(NextHit, ProgressionsSearchOnTheProgressedScale) {
     HitResult r = NextHit(f.s, q);
     ASSERT_FALSE(r.Passes.empty());
     EXPECT_GE(r.Passes[0], q.FromJD);
-    // The chart of the life moment of the pass has the point on the target.
+    // The chart of the life moment of the pass has the point on the target;
+    // directions move the angles with the rest of the radix.
     const double rate = ProgressionRate(c.type, c.type == kSolarArc ? 1 : 0);
-    DynamicChart(f.s, 3, 1, radixJD + (r.Passes[0] - radixJD) / rate, c.type, c.method);
+    const double lifeJD = radixJD + (r.Passes[0] - radixJD) / rate;
+    if (c.type == kSolarArc) {
+      const SlotPositions radix = CopySlotPositions(f.s, 1);
+      DynamicOptions options;
+      options.Radix = &radix;
+      DynamicPositions(f.s, 3, lifeJD, radixJD, kSolarArc, 0.0, options);
+    } else {
+      DynamicChart(f.s, 3, 1, lifeJD, c.type, c.method);
+    }
     EXPECT_NEAR(AngleDiff(f.s.charts.Longitude[kGeocentric][3][c.point], q.Target), 0, 1e-4);
   }
 }

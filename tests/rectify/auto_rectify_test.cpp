@@ -1,6 +1,7 @@
-// Auto Rectify: the scoring rule, and an end-to-end run on a life whose
-// events were placed where slow transits hit the angles of a chart of known
-// time.
+// Auto Rectify: the scoring rule, the candidate list's text, and an
+// end-to-end run on a life whose events were placed where slow transits hit
+// the angles of a chart of known time: on one and two threads, with the two
+// ranking settings, leaving the project's graph settings alone.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -8,6 +9,7 @@
 #include "calc/astro.h"
 #include "core/calendar.h"
 #include "calc/chart.h"
+#include "core/parse.h"
 #include "rectify/auto_rectify.h"
 #include "calc/oracle.h"
 #include "support/test_support.h"
@@ -104,15 +106,48 @@ TEST(RunAutoRectify, FindsTheTimeOfAChartWhoseAnglesTheEventsHit) {
   Session& s = t.session;
   BuildKnownLife(t);
   Rectification rect;
-  AutoRectifyResult r = RunAutoRectify(s, rect, kAutoFromEvents);
+  LoadGraphSettings(s, rect.graphs);
+  rect.graphs.MaxOrb12 = 3.5f;  // changed on screen, not saved: the run must not read it back
+  AutoRectifyOptions one;
+  one.Threads = 1;
+  AutoRectifyResult r = RunAutoRectify(s, rect, kAutoFromEvents, nullptr, one);
   ASSERT_TRUE(r.Finished) << r.Status;
   ASSERT_FALSE(r.Rows.empty());
+  EXPECT_EQ(rect.graphs.MaxOrb12, 3.5f);
   const double best = r.Rows.front().Time;
   std::printf("[ auto rectify ] best %s of %zu candidates, %llu ephemeris calls\n", r.Rows.front().TimeText.c_str(),
               r.Rows.size(), static_cast<unsigned long long>(r.EphemerisCalls));
   EXPECT_NEAR(best, 14 + 20 / 60.0, 0.25) << "within a quarter of an hour of 14:20";
   EXPECT_EQ(r.Status, "Finished - Best Scoring Birth Time: " + r.Rows.front().TimeText);
   for (size_t i = 1; i < r.Rows.size(); ++i) EXPECT_GE(r.Rows[i - 1].Overall, r.Rows[i].Overall);
+
+  // The candidates again, on two threads: the same scores to the bit.
+  AutoRectifyOptions two;
+  two.Threads = 2;
+  AutoRectifyResult again = RunAutoRectify(s, rect, kAutoFromCandidates, nullptr, two);
+  ASSERT_TRUE(again.Finished);
+  ASSERT_EQ(again.Scores.size(), r.Scores.size());
+  for (size_t c = 1; c < r.Scores.size(); ++c)
+    for (int type : {0, 1, 3}) EXPECT_EQ(again.Scores[c][type], r.Scores[c][type]) << c << " " << type;
+  EXPECT_EQ(again.Order, r.Order);
+
+  // Ranked by the transit ratio alone, ties in the order of the overall score.
+  s.prefs.AutoScoreMode = 1;
+  AutoRectifyResult byTransits = RunAutoRectify(s, rect, kAutoFromCandidates, nullptr, two);
+  for (size_t i = 1; i < byTransits.Rows.size(); ++i) {
+    const AutoRectifyRow &a = byTransits.Rows[i - 1], &b = byTransits.Rows[i];
+    EXPECT_TRUE(a.Transits > b.Transits || (a.Transits == b.Transits && a.Overall >= b.Overall)) << i;
+  }
+
+  // The candidate list's rows: time, Ascendant and MC ranges, three blanks apart.
+  const AngleResult& c = rect.peaks.Results;
+  EXPECT_EQ(CandidateRowText(s, c, 1), AutoTimeText(s, c.ResultTime[1][kLow]) + "-" +
+                                           AutoTimeText(s, c.ResultTime[1][kHigh]) + "   " +
+                                           ZodiacPosition(s, c.ResultAsc[1][kLow], false) + "-" +
+                                           ZodiacPosition(s, c.ResultAsc[1][kHigh], false) + "   " +
+                                           ZodiacPosition(s, c.ResultMC[1][kLow], false) + "-" +
+                                           ZodiacPosition(s, c.ResultMC[1][kHigh], false));
+  EXPECT_EQ(CandidateRowText(s, c, 0), "");
 }
 
 // Stops the run when the first transit search begins.
@@ -134,6 +169,28 @@ TEST(RunAutoRectify, AStopEndsTheRunAndSaysSo) {
   EXPECT_TRUE(r.Cancelled);
   EXPECT_FALSE(r.Finished);
   EXPECT_EQ(r.Status, "Search Terminated by User");
+}
+
+// How far the graph stage narrows graphs 4 and 5: Mars stays in while the
+// graph holds less weight than AutoGraphMinWeight.
+TEST(RunAutoRectify, TheGraphWeightSettingDecidesTheNarrowing) {
+  struct Case {
+    float minWeight;
+    bool marsKept, jupiterKept;
+  } cases[] = {{1e9f, true, true}, {0.0f, false, false}};
+  for (const Case& c : cases) {
+    TestSession t;
+    BuildKnownLife(t);
+    t.session.prefs.AutoGraphMinWeight = c.minWeight;
+    Rectification rect;
+    LoadGraphSettings(t.session, rect.graphs);
+    StopAtTransits stop;
+    RunAutoRectify(t.session, rect, kAutoFromEvents, &stop);
+    const auto& geo = rect.graphs.Selection[kGeocentric][4];
+    EXPECT_EQ(geo[kMars] != 0, c.marsKept) << c.minWeight;
+    EXPECT_EQ(geo[kJupiter] != 0, c.jupiterKept) << c.minWeight;
+    EXPECT_NE(geo[kPluto], 0);
+  }
 }
 
 TEST(RunAutoRectify, NoEventsMeansNoAngles) {

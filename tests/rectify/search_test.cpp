@@ -142,12 +142,17 @@ TEST(DynOptionsFile, ShortMissingAndGarbageFiles) {
     const std::string path = f.t.dir.file(std::string(c.name) + ".fil");
     if (c.exists) WriteBytes(path, c.bytes);
     DynOptionSet got;
-    got[0].Orb = 9.0f;  // load resets first
+    ResetDynOptions(got);
+    for (auto& r : got) {
+      r.Orb = 9.0f;  // every orb is set to 1.0 first
+      r.DynamicPoints[7] = kTrue;  // flags the file does not hold stay as they were
+    }
     EXPECT_EQ(LoadDynOptions(got, path), c.exists) << c.name;
     for (int type = 0; type < 4; ++type) {
       const bool read = type < c.recordsRead;
       EXPECT_EQ(got[type].Orb, read ? 3.0f : 1.0f) << c.name << " " << type;
       EXPECT_EQ(got[type].RadixPoints[5], read ? kTrue : kFalse) << c.name << " " << type;
+      EXPECT_EQ(got[type].DynamicPoints[7], read ? kFalse : kTrue) << c.name << " " << type;
     }
   }
 
@@ -236,7 +241,7 @@ TEST(DynamicSearch, NearestEventTiesAndDisabledRecords) {
     double first, last;
     int nearest;
   } cases[] = {
-      {2450004.0, 2450006.0, 1},   // the disabled record 4 sits on the middle
+      {2450004.0, 2450006.0, 4},   // every record counts, the disabled record 4 too
       {2450014.0, 2450016.0, 2},   // a tie between 2 and 3 keeps 2
       {2450030.0, 2450040.0, 3},
   };
@@ -247,7 +252,7 @@ TEST(DynamicSearch, NearestEventTiesAndDisabledRecords) {
     EXPECT_EQ(NearestEvent(f.s, h), c.nearest) << c.first;
   }
   f.Events({2450000.0}, false);
-  EXPECT_EQ(NearestEvent(f.s, DynamicHit{}), 0);
+  EXPECT_EQ(NearestEvent(f.s, DynamicHit{}), 1);
   f.s.project.Header.RecordCount = 0;
   EXPECT_EQ(NearestEvent(f.s, DynamicHit{}), 0);
 }
@@ -317,14 +322,19 @@ TEST(DynamicSearch, DefaultWindow) {
       {"events out of order", {JulDay(1, 5, 1990), JulDay(1, 3, 1985), JulDay(31, 12, 2001)}, true,
        FormatDate(s, 1, 1, 1983), FormatDate(s, 1, 1, 2003)},
       {"no records", {}, true, FormatDate(s, 14, 3, 1879), FormatDate(s, 22, 11, 2026)},
+      // Only the start speaks of enabled events.
       {"every record disabled", {JulDay(1, 5, 1990)}, false, FormatDate(s, 14, 3, 1879),
-       FormatDate(s, 22, 11, 2026)},
+       FormatDate(s, 1, 1, 1992)},
   };
   for (const Case& c : cases) {
     f.Events(c.events, c.enabled);
     EXPECT_EQ(DefaultSearchStart(s), c.start) << c.what;
     EXPECT_EQ(DefaultSearchEnd(s), c.end) << c.what;
   }
+  f.Events({JulDay(1, 5, 1990), JulDay(1, 3, 1985), JulDay(31, 12, 2001)});
+  s.project.Events[3].Enabled = kFalse;
+  EXPECT_EQ(DefaultSearchStart(s), FormatDate(s, 1, 1, 1983));
+  EXPECT_EQ(DefaultSearchEnd(s), FormatDate(s, 1, 1, 2003));
 }
 
 TEST(TranOpt, AspectHarmonics) {
@@ -490,16 +500,24 @@ TEST(DynamicSearch, APassNextToAStationIsFound) {
   ASSERT_EQ(f.state.HitCount(), 1);
   EXPECT_LT(f.state.Hits[1].FirstDate, station - 1.0);
   EXPECT_GT(f.state.Hits[1].LastDate, station + 100.0);  // the direct pass after the loop
+  // The range runs the orb on either side at the speed of the pass, however
+  // slowly the point moves so near its station.
+  const double target = f.s.charts.Longitude[kGeocentric][1][kMidheaven];
+  const double first = OraclePass(6, target, station - 217.0);
+  const double speed = std::fabs(AngleDiff(Oracle(6, first + 0.01), Oracle(6, first - 0.01))) / 0.02;
+  EXPECT_NEAR(f.state.Hits[1].FirstDate, first - 1.0 / speed, 0.01 / speed);
 }
 
 // Every hit of progressions and directions lies on the scale of life: the
 // point stands on its target at the hit's middle (single passes only: the
-// Sun, the Moon, and every directed point).
+// Sun, the Moon, and every directed point). Directed angles are their radix
+// places moved by the solar arc, as every other directed point.
 TEST(DynamicSearch, ProgressedHitsAreOnTheScaleOfLife) {
   struct Case {
     int type;
     std::initializer_list<int> moving;
-  } cases[] = {{kSecondary, {kSun, kMoon}}, {kSolarArc, {kMoon, kSun, 6, kJupiter, kSaturn}}};
+  } cases[] = {{kSecondary, {kSun, kMoon}},
+               {kSolarArc, {kMoon, kSun, 6, kJupiter, kSaturn, kAscendant, kMidheaven}}};
   for (const Case& c : cases) {
     Fixture f;
     f.Cast();
@@ -520,6 +538,43 @@ TEST(DynamicSearch, ProgressedHitsAreOnTheScaleOfLife) {
       EXPECT_NEAR(AngleDiff(position, h.TargetLon), 0.0, 0.02) << c.type << " hit " << k;
     }
   }
+}
+
+// The window's two dates are its ends: a pass later on the end date is out.
+TEST(DynamicSearch, TheWindowEndsOnItsLastDate) {
+  Fixture f;
+  f.Cast();
+  f.Only(kTransits, {kSun}, {kSun});
+  const double pass = OraclePass(0, f.Radix(kSun), JulDay(1, 1, 1970));
+  float day = 0;
+  int month = 1, year = 2000;
+  RevJul(pass, day, month, year);
+  ASSERT_GT(pass - JulDay(static_cast<int>(day), month, year), 0.01);
+  const std::string end = FormatDate(f.s, static_cast<int>(day), month, year);
+  ASSERT_TRUE(DynamicSearchNew(f.s, f.state, kTransits, "1 Jan 1970", end));
+  EXPECT_EQ(f.state.HitCount(), 0);
+  ASSERT_TRUE(DynamicSearchNew(f.s, f.state, kTransits, "1 Jan 1970", FormatDate(f.s, 1, 1, 1971)));
+  EXPECT_EQ(f.state.HitCount(), 1);
+}
+
+// In a sidereal zodiac each moving position carries the offset of its own
+// moment: over a century the offset grows by more than a degree.
+TEST(DynamicSearch, SiderealPositionsCarryTheirOwnOffset) {
+  Fixture f;
+  f.s.prefs.Zodiac = 2;
+  f.Cast();
+  f.Only(kTransits, {kJupiter}, {kMidheaven}, {0, 3, 6});
+  ASSERT_TRUE(DynamicSearchNew(f.s, f.state, kTransits, "1 Jan 1900", "1 Jan 2000"));
+  int checked = 0;
+  for (int k = 1; k <= f.state.HitCount(); ++k) {
+    const DynamicHit& h = f.state.Hits[k];
+    if (h.LastDate - h.FirstDate > 30.0) continue;  // loops: the middle is no pass
+    const double mid = (h.FirstDate + h.LastDate) / 2.0;
+    const double position = Oracle(5, mid) + SessionSiderealOffset(f.s, CenturiesFrom1900(mid));
+    EXPECT_NEAR(AngleDiff(position, h.TargetLon), 0.0, 1e-4) << k;
+    ++checked;
+  }
+  EXPECT_GE(checked, 5);
 }
 
 TEST(DynamicSearch, ATargetBehindThePointWaitsAWholeTurn) {
