@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <vector>
 
 #include "calc/astro.h"
@@ -590,6 +591,37 @@ void ApplyHarmonics(Session& session, GraphState& graphs, int harmonic2, int har
   graphs.Graph[2].MasterHarmonic = graphs.Harmonic2;
   graphs.Graph[3].MasterHarmonic = graphs.Harmonic3;
   MarkGraphsStale(session);
+}
+
+// ---------------------------------------------------------------- screen texts
+
+std::string RectifyScreenTitle(const Session& session) {
+  const Vocabulary& v = session.vocab;
+  const int z = ClampInteger(session.prefs.Zodiac, 1, static_cast<int>(v.ZodiacName.size())) - 1;
+  const std::string zodiac = z >= 0 && z < static_cast<int>(v.ZodiacName.size()) ? v.ZodiacName[z] : "";
+  const std::string node = session.prefs.TrueNode ? "True" : "Mean";
+  return zodiac + " Zodiac - " + node + " Node";
+}
+
+std::string GraphReadout(const GraphState& graphs, int graph, int bar) {
+  if (!ValidGraph(graph)) return {};
+  const GraphRecord& g = graphs.Graph[graph];
+  const int b = BarIndex(bar);
+  const int harmonic = std::max<int>(1, g.MasterHarmonic);
+  const double degrees = (b + 0.5) * (360.0 / harmonic) / kBars;
+  int peak = 0, run = 0;
+  for (int i = 0; i <= b; ++i) {
+    if (g.PeakFlags[i] && (i == 0 || !g.PeakFlags[i - 1])) ++run;
+    if (i == b && g.PeakFlags[i]) peak = run;
+  }
+  char text[96];
+  std::snprintf(text, sizeof text, "%.1f  H%d Peak No %d Height %.2f", degrees, harmonic, peak,
+                static_cast<double>(BarValue(graphs, graph, b)));
+  return text;
+}
+
+std::string AngleSearchHeading(const Session& session) {
+  return "Angle Search: " + session.project.Header.Title;
 }
 
 }  // namespace vintar

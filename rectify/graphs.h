@@ -236,4 +236,20 @@ void ResetHarmonics(const GraphState& graphs, int& harmonic2, int& harmonic3);
 // for rebuilding.
 void ApplyHarmonics(Session& session, GraphState& graphs, int harmonic2, int harmonic3);
 
+// The Rectify screen's texts ------------------------------------------------
+
+// The title of the point selection (RectOpt) opened from the screen.
+inline constexpr const char* kSelectPlanetsTitle = "Select Planets";
+// The screen's title: the zodiac's name, " Zodiac - ", the node's kind and
+// " Node" ("Tropical Zodiac - Mean Node").
+std::string RectifyScreenTitle(const Session& session);
+// The mouse read-out over bar `bar` (0 to 119) of a graph: the degrees
+// within the graph's segment of 360 / harmonic at the bar's middle, the
+// harmonic, the number of the selected peak under the bar (counted from
+// the start of the graph, 0 when none) and the bar's height with two
+// decimals: "7.6  H12 Peak No 2 Height 3.25".
+std::string GraphReadout(const GraphState& graphs, int graph, int bar);
+// The heading the angle search opens with: "Angle Search: " and the title.
+std::string AngleSearchHeading(const Session& session);
+
 }  // namespace vintar

@@ -634,4 +634,23 @@ bool ApplyPeakOpt(Session& session, const PeakOptTexts& texts) {
   return true;
 }
 
+std::vector<std::string> AngleSearchHeader(const Session& session, const GraphState& graphs) {
+  std::vector<std::string> lines{RectifyScreenTitle(session)};
+  const Vocabulary& v = session.vocab;
+  for (int g = 1; g <= kShownGraphs; ++g) {
+    const GraphRecord& r = graphs.Graph[g];
+    const int coordinate = r.Coordinate == kHeliocentric ? kHeliocentric : kGeocentric;
+    const int type = ClampInteger(r.DynamicType, kTransits, kSolarArc);
+    std::string line = "Graph " + std::to_string(g) + ": " +
+                       (coordinate < static_cast<int>(v.CoordName.size()) ? v.CoordName[coordinate] : "") + " " +
+                       (type < static_cast<int>(v.DynamicMethodName.size()) ? v.DynamicMethodName[type] : "") +
+                       ", Harmonic " + std::to_string(r.MasterHarmonic);
+    if (g > graphs.GraphCount) line += " (Not Used)";
+    lines.push_back(line);
+  }
+  const ProjectHeader& h = session.project.Header;
+  lines.push_back(h.EarliestTime + " to " + h.LatestTime);
+  return lines;
+}
+
 }  // namespace vintar

@@ -185,6 +185,12 @@ void DeleteAngleResults(AngleResult& results, const std::vector<int>& rows);
 // AutoSelButton: AutoSelectPeaks on graphs 1..GraphCount.
 void AutoSelectAllGraphs(const Session& session, GraphState& graphs);
 
+// The AngleSearch screen's texts: the title of its print dialogue, and its
+// header: the zodiac and node, each shown graph with " (Not Used)" beside
+// one beyond the graphs in use, and the time limits "from to until".
+inline constexpr const char* kAnglesPrintTitle = "Print Angles Report";
+std::vector<std::string> AngleSearchHeader(const Session& session, const GraphState& graphs);
+
 // Peak settings (PeakOpt) --------------------------------------------------------
 
 // Reads MinPeakWidth, PeakSDFactor, ForcePeakSDFactor, MaxPeaks, MaxGapBars

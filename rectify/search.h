@@ -200,6 +200,9 @@ struct HitScoreText {
 // else 0 with NearestEvent cleared. `quiet` leaves the texts empty.
 HitScoreText ScoreHit(Session& session, SearchState& state, DynamicHit& hit, int event, bool quiet);
 
+// The title of the search screen's print dialogue.
+inline constexpr const char* kTransitsPrintTitle = "Print Transits Report";
+
 // The search screen's pairing of its two lists: the hits (numbers, in
 // display order) that a scored search matched to record `event`.
 std::vector<int> HitsOfEvent(const SearchState& state, int event);

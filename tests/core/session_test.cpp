@@ -159,7 +159,8 @@ TEST(Preferences, ClampsAndTheCuspQuirk) {
     const char* key;
     const char* value;
   } writes[] = {{"Houses", "99"}, {"Progressions", "0"}, {"Zodiac", "-4"}, {"WhichCusp", "40"},
-                {"PointOnCusp", "7"}, {"PeakSDFactor", "2.5junk"}, {"UserAyan", ""}, {"TrueNode", "-1"}};
+                {"PointOnCusp", "7"}, {"PeakSDFactor", "2.5junk"}, {"UserAyan", ""}, {"TrueNode", "-1"},
+                {"AutoScoreMode", "5"}, {"AutoGraphMinWeight", "-3"}};
   for (const auto& w : writes) ASSERT_TRUE(PutProfileText(s, "Vintar", w.key, w.value));
   LoadPreferences(s);
   EXPECT_EQ(s.prefs.Houses, 14);
@@ -170,6 +171,8 @@ TEST(Preferences, ClampsAndTheCuspQuirk) {
   EXPECT_FLOAT_EQ(s.prefs.PeakSDFactor, 2.5f);
   EXPECT_FLOAT_EQ(s.prefs.UserAyan, 0.0f);
   EXPECT_EQ(s.prefs.NodePoint(), 19);
+  EXPECT_EQ(s.prefs.AutoScoreMode, 1);
+  EXPECT_FLOAT_EQ(s.prefs.AutoGraphMinWeight, 100.0f);
 }
 
 TEST(Preferences, SaveWritesItsKeysAndSurvivesALoad) {
@@ -190,6 +193,18 @@ TEST(Preferences, SaveWritesItsKeysAndSurvivesALoad) {
   EXPECT_EQ(s.prefs.MonthFirst, kTrue);
   EXPECT_FLOAT_EQ(s.prefs.UserAyan, 335.25f);
   EXPECT_EQ(GetPreferenceText(s, "DynInterval", "absent"), "absent") << "not a key that Save writes";
+
+  // The Auto Rectify settings are written once changed, and then kept in step.
+  EXPECT_EQ(GetPreferenceText(s, "AutoScoreMode", "absent"), "absent");
+  s.prefs.AutoGraphMinWeight = 200.0f;
+  s.prefs.AutoScoreMode = 1;
+  ASSERT_TRUE(SavePreferences(s));
+  LoadPreferences(s);
+  EXPECT_FLOAT_EQ(s.prefs.AutoGraphMinWeight, 200.0f);
+  EXPECT_EQ(s.prefs.AutoScoreMode, 1);
+  s.prefs.AutoScoreMode = 0;
+  ASSERT_TRUE(SavePreferences(s));
+  EXPECT_EQ(GetPreferenceText(s, "AutoScoreMode", "absent"), "0");
 }
 
 TEST(Preferences, RestoreAskedNoKeepsTheSessionValues) {

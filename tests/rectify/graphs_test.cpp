@@ -13,6 +13,7 @@
 
 #include "calc/astro.h"
 #include "calc/cache.h"
+#include "rectify/peaks.h"
 #include "support/test_support.h"
 
 namespace vintar {
@@ -364,6 +365,35 @@ TEST(GraphOptions, HarmonicsAreClampedAndTheNodeFollowsThePreference) {
   EXPECT_EQ(p.graphs.Graph[1].DynamicType, 2);
   EXPECT_EQ(p.s.cache.NeedsGraphRecalc, kTrue);
   EXPECT_EQ(ReadBytes(p.folder.file("life.pla")), FormatGraphSettings(p.graphs));
+}
+
+// The Rectify and AngleSearch screens' texts.
+TEST(ScreenTexts, TitlesReadoutAndHeader) {
+  TestSession t;
+  Session& s = t.session;
+  s.project.Header.Title = "Known chart";
+  s.project.Header.EarliestTime = "11:00 am";
+  s.project.Header.LatestTime = "5:00 pm";
+  s.prefs.Zodiac = 3;
+  s.prefs.TrueNode = kTrue;
+  EXPECT_EQ(RectifyScreenTitle(s), s.vocab.ZodiacName[2] + " Zodiac - True Node");
+  EXPECT_EQ(AngleSearchHeading(s), "Angle Search: Known chart");
+
+  GraphState g;
+  g.SmoothBars = kFalse;
+  g.Graph[1].MasterHarmonic = 4;
+  g.Graph[1].Bars[30] = 3.254f;
+  for (int b : {5, 6, 30, 31}) g.Graph[1].PeakFlags[b] = kTrue;
+  EXPECT_EQ(GraphReadout(g, 1, 30), "22.9  H4 Peak No 2 Height 3.25");
+  EXPECT_EQ(GraphReadout(g, 1, 10), "7.9  H4 Peak No 0 Height 0.00");
+
+  g.GraphCount = 2;
+  const std::vector<std::string> header = AngleSearchHeader(s, g);
+  ASSERT_EQ(header.size(), 5u);
+  EXPECT_EQ(header[0], RectifyScreenTitle(s));
+  EXPECT_EQ(header[2].find(" (Not Used)"), std::string::npos);
+  EXPECT_NE(header[3].find(" (Not Used)"), std::string::npos);
+  EXPECT_EQ(header[4], "11:00 am to 5:00 pm");
 }
 
 }  // namespace
