@@ -22,5 +22,6 @@ void AddRectifyCommands(CLI::App& app, Context& ctx, Action& action);
 void AddRectifyGraphCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifySearchCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifyAutoCommands(CLI::App& rectify, Context& ctx, Action& action);
+void AddRectifyValidateCommand(CLI::App& rectify, Context& ctx, Action& action);
 
 }  // namespace vintar::cli

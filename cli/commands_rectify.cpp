@@ -9,6 +9,7 @@ void AddRectifyCommands(CLI::App& app, Context& ctx, Action& action) {
   AddRectifyGraphCommands(*rectify, ctx, action);
   AddRectifySearchCommands(*rectify, ctx, action);
   AddRectifyAutoCommands(*rectify, ctx, action);
+  AddRectifyValidateCommand(*rectify, ctx, action);
 }
 
 }  // namespace vintar::cli

@@ -88,11 +88,13 @@ bool GraphStage(Session& session, GraphState& graphs, RunStatus& status) {
   for (int g : kAutoGraphs) {
     bool cancelled = false;
     CalcGraphEvents(session, graphs, g, cancelled, status.Inner());
-    if (cancelled || status.Cancelled()) return false;
+    // The request is polled first, so that a stop seen by the cache build
+    // marks the run as stopped.
+    if (status.Cancelled() || cancelled) return false;
     for (int first = 6; first <= 8; ++first) {
       SelectOnlyPoints(graphs, g, first, kPluto);
       CalcHarmDist(session, graphs, g, 0, cancelled);
-      if (cancelled) return false;
+      if (status.Cancelled() || cancelled) return false;
       if (graphs.Graph[g].TotalWeight < session.prefs.AutoGraphMinWeight) break;
     }
     AnalyseHarmDist(graphs, g);
