@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cmath>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -169,21 +170,21 @@ CandidateResult SearchCandidate(Worker& w, int type, double time, const std::str
   const ProjectHeader& h = session.project.Header;
   w.sink.Clear();
   try {
-  if (CalcChart(session, kRadixSlot, h.Date, AutoTimeText(session, time), h.ZoneTime, h.Longitude, h.Latitude)) {
-    DynamicSearchNew(session, w.search, type, from, to, cancel);
-    if (!w.search.Cancelled) {
-      for (int i = 1; i <= w.search.HitCount(); ++i) {
-        DynamicHit& hit = w.search.Hits[i];
-        ScoreHit(session, w.search, hit, NearestEvent(session, hit), true);
+    if (CalcChart(session, kRadixSlot, h.Date, AutoTimeText(session, time), h.ZoneTime, h.Longitude, h.Latitude)) {
+      DynamicSearchNew(session, w.search, type, from, to, cancel);
+      if (!w.search.Cancelled) {
+        for (int i = 1; i <= w.search.HitCount(); ++i) {
+          DynamicHit& hit = w.search.Hits[i];
+          ScoreHit(session, w.search, hit, NearestEvent(session, hit), true);
+        }
+        const SearchTotalsResult totals = SearchTotals(w.search);
+        r.Ratio = totals.Ratio;
+        r.Total = totals.Total;
+        r.Done = true;
       }
-      const SearchTotalsResult totals = SearchTotals(w.search);
-      r.Ratio = totals.Ratio;
-      r.Total = totals.Total;
-      r.Done = true;
+    } else {
+      r.Failed = true;
     }
-  } else {
-    r.Failed = true;
-  }
   } catch (...) {
     r = CandidateResult{};
     r.Failed = true;
@@ -195,6 +196,76 @@ CandidateResult SearchCandidate(Worker& w, int type, double time, const std::str
 int WorkerCount(int asked, int candidates) {
   int n = asked > 0 ? asked : static_cast<int>(std::thread::hardware_concurrency());
   return std::clamp(n, 1, std::max(1, candidates));
+}
+
+// One pass over candidates 1 to n on the workers' threads. Each worker
+// takes the next candidate until none is left or `stop` is set; this thread
+// reports each candidate as it is taken up (with the number finished),
+// polls the cancel request and waits. Returns the worker that searched the
+// highest candidate.
+const Worker* PassOnThreads(std::vector<Worker>& workers, int n, std::vector<CandidateResult>& results,
+                            std::atomic<bool>& stop, RunStatus& status,
+                            const std::function<CandidateResult(Worker&, int, Progress*)>& search,
+                            const std::function<void(int candidate, int finished)>& report) {
+  StopFlag stopFlag(stop);
+  std::mutex m;
+  std::condition_variable changed;
+  std::vector<int> started;  // candidates taken up, in that order
+  int next = 1, finished = 0, highest = 0;
+  const Worker* last = nullptr;
+  auto work = [&](Worker& w, bool ownThread) {
+    w.session->EphemerisPath.clear();  // the ephemeris keeps its path per thread
+    for (;;) {
+      int c;
+      {
+        std::lock_guard<std::mutex> lock(m);
+        if (next > n || stop) break;
+        c = next++;
+        started.push_back(c);
+      }
+      changed.notify_one();
+      CandidateResult r = search(w, c, &stopFlag);
+      {
+        std::lock_guard<std::mutex> lock(m);
+        results[c] = std::move(r);
+        ++finished;
+        if (c > highest) {
+          highest = c;
+          last = &w;
+        }
+      }
+      changed.notify_one();
+    }
+    if (ownThread) CloseEphemeris();
+  };
+
+  std::vector<std::thread> pool;
+  try {
+    for (Worker& w : workers) pool.emplace_back(work, std::ref(w), true);
+  } catch (...) {
+    // No more threads to be had: those started carry on.
+  }
+  if (pool.empty()) work(workers[0], false);
+
+  std::unique_lock<std::mutex> lock(m);
+  size_t reported = 0;
+  while (finished < next - 1 || (next <= n && !stop)) {
+    for (; reported < started.size(); ++reported) {
+      const int c = started[reported], now = finished;
+      lock.unlock();
+      report(c, now);
+      lock.lock();
+    }
+    const int seen = finished;
+    lock.unlock();
+    if (!stop && status.Cancelled()) stop = true;
+    lock.lock();
+    changed.wait_for(lock, std::chrono::milliseconds(50),
+                     [&] { return finished != seen || reported < started.size(); });
+  }
+  lock.unlock();
+  for (std::thread& t : pool) t.join();
+  return last;
 }
 
 // Three searches per candidate, pass by pass; a cancel stops the run.
@@ -222,7 +293,6 @@ bool SearchStage(Session& session, Rectification& rect, AutoRectifyResult& resul
   }
   const Worker* last = nullptr;  // the worker of the last search, whose state the run leaves
   std::atomic<bool> stop{false};
-  StopFlag stopFlag(stop);
 
   auto say = [&](const Pass& pass, int c, double time) {
     status.Say(std::string(pass.status) + AutoTimeText(session, time) + "  Searching... " + std::to_string(c) +
@@ -248,66 +318,17 @@ bool SearchStage(Session& session, Rectification& rect, AutoRectifyResult& resul
         if (failed) break;
       }
     } else {
-      // Workers take candidates in order; this thread reports, polls the
-      // cancel request and waits.
-      std::mutex m;
-      std::condition_variable changed;
-      std::vector<int> started;  // candidates begun, not yet reported
-      int next = 1, finished = 0, lastCandidate = 0;
-      auto work = [&](Worker& w, bool ownThread) {
-        w.session->EphemerisPath.clear();  // the ephemeris keeps its path per thread
-        for (;;) {
-          int c;
-          {
-            std::lock_guard<std::mutex> lock(m);
-            if (next > n || stop) break;
-            c = next++;
-            started.push_back(c);
-          }
-          changed.notify_one();
-          CandidateResult r = SearchCandidate(w, pass.type, candidateTime(c), from, to, &stopFlag);
-          {
-            std::lock_guard<std::mutex> lock(m);
-            results[c] = std::move(r);
-            ++finished;
-            if (c >= lastCandidate) {
-              lastCandidate = c;
-              last = &w;
-            }
-          }
-          changed.notify_one();
-        }
-        if (ownThread) CloseEphemeris();
-      };
-      std::vector<std::thread> pool;
-      try {
-        for (Worker& w : workers) pool.emplace_back(work, std::ref(w), true);
-      } catch (...) {
-        // No more threads to be had: those started carry on.
-      }
-      if (pool.empty()) work(workers[0], false);
-      {
-        std::unique_lock<std::mutex> lock(m);
-        size_t reported = 0;
-        int seen = -1;
-        while (finished < next - 1 || (next <= n && !stop)) {
-          for (; reported < started.size(); ++reported) {
-            const int c = started[reported];
-            lock.unlock();
+      const int before = static_cast<int>(&pass - kPasses) * n;
+      last = PassOnThreads(
+          workers, n, results, stop, status,
+          [&](Worker& w, int c, Progress* cancel) {
+            return SearchCandidate(w, pass.type, candidateTime(c), from, to, cancel);
+          },
+          [&](int c, int finished) {
+            done = before + finished;
             say(pass, c, candidateTime(c));
-            lock.lock();
-          }
-          done = static_cast<int>(&pass - kPasses) * n + finished;
-          seen = finished;
-          lock.unlock();
-          if (!stop && status.Cancelled()) stop = true;
-          lock.lock();
-          changed.wait_for(lock, std::chrono::milliseconds(50),
-                           [&] { return finished != seen || reported < started.size(); });
-        }
-      }
-      for (std::thread& t : pool) t.join();
-      done = static_cast<int>(&pass - kPasses + 1) * n;
+          });
+      done = before + n;
       for (int c = 1; c <= n; ++c) failed = failed || results[c].Failed;
       cancelled = !failed && (stop || std::any_of(results.begin() + 1, results.end(),
                                                   [](const CandidateResult& r) { return !r.Done; }));
