@@ -107,13 +107,13 @@ TEST(RunAutoRectify, FindsTheTimeOfAChartWhoseAnglesTheEventsHit) {
   BuildKnownLife(t);
   Rectification rect;
   LoadGraphSettings(s, rect.graphs);
-  rect.graphs.MaxOrb12 = 3.5f;  // changed on screen, not saved: the run must not read it back
+  rect.graphs.Graph[3].DynamicType = kSolarArc;  // changed on screen, not saved: the run must not read it back
   AutoRectifyOptions one;
   one.Threads = 1;
   AutoRectifyResult r = RunAutoRectify(s, rect, kAutoFromEvents, nullptr, one);
   ASSERT_TRUE(r.Finished) << r.Status;
   ASSERT_FALSE(r.Rows.empty());
-  EXPECT_EQ(rect.graphs.MaxOrb12, 3.5f);
+  EXPECT_EQ(rect.graphs.Graph[3].DynamicType, kSolarArc);
   const double best = r.Rows.front().Time;
   std::printf("[ auto rectify ] best %s of %zu candidates, %llu ephemeris calls\n", r.Rows.front().TimeText.c_str(),
               r.Rows.size(), static_cast<unsigned long long>(r.EphemerisCalls));
