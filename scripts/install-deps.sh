@@ -7,6 +7,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libcli11-dev nlohmann-json3-dev
   libswe-dev swe-basic-data
+  libhowardhinnant-date-dev tzdata
   clang libclang-rt-14-dev
 )
 missing=()
