@@ -569,7 +569,7 @@ class Reader {
     r_.Records.push_back(r);
   }
 
-  // "-1:30" is -1.5 hours; a "+" is dropped.
+  // "-1:30" is -1.5 hours, "-0:39:56" has seconds; a "+" is dropped.
   static bool ZoneHours(const std::string& text, float& hours) {
     std::string t = Trim(text);
     bool negative = false;
@@ -577,10 +577,18 @@ class Reader {
       negative = t[0] == '-';
       t = Trim(t.substr(1));
     }
-    const size_t colon = t.find(':');
-    const std::string h = t.substr(0, colon), m = colon == std::string::npos ? "0" : t.substr(colon + 1);
-    if (!AllDigits(h) || !AllDigits(m)) return false;
-    const double value = Number(h) + Number(m) / 60.0;
+    double value = 0.0, unit = 1.0;
+    size_t at = 0;
+    for (int part = 0; part < 3; ++part) {
+      const size_t colon = t.find(':', at);
+      const std::string field = t.substr(at, colon == std::string::npos ? std::string::npos : colon - at);
+      if (!AllDigits(field)) return false;
+      value += Number(field) * unit;
+      unit /= 60.0;
+      if (colon == std::string::npos) break;
+      at = colon + 1;
+      if (part == 2) return false;
+    }
     if (value > 24.0) return false;
     hours = static_cast<float>(negative ? -value : value);
     return true;
