@@ -5,7 +5,7 @@ JOBS       ?= $(shell nproc)
 
 FUZZ_BUILD   ?= build-fuzz
 FUZZ_SECONDS ?= 60
-FUZZ_TARGETS ?= dat nat ini timezone cache pla options parse atlas
+FUZZ_TARGETS ?= dat nat ini timezone cache pla options parse atlas events aaf
 
 .PHONY: all deps build demo test test-asan test-plain bench clean fuzz fuzz-build
 

@@ -18,6 +18,9 @@ void AddProjectCommands(CLI::App& app, Context& ctx, Action& action);
 void AddPrefsCommands(CLI::App& app, Context& ctx, Action& action);
 void AddChartCommands(CLI::App& app, Context& ctx, Action& action);
 void AddRectifyCommands(CLI::App& app, Context& ctx, Action& action);
+void AddPlaceCommands(CLI::App& app, Context& ctx, Action& action);
+void AddExchangeCommands(CLI::App& app, Context& ctx, Action& action);
+void AddAtlasCommands(CLI::App& app, Context& ctx, Action& action);
 // The subcommands of `vintar rectify`, by module.
 void AddRectifyGraphCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifySearchCommands(CLI::App& rectify, Context& ctx, Action& action);

@@ -21,6 +21,9 @@ int main(int argc, char** argv) {
   AddPrefsCommands(app, ctx, action);
   AddChartCommands(app, ctx, action);
   AddRectifyCommands(app, ctx, action);
+  AddPlaceCommands(app, ctx, action);
+  AddExchangeCommands(app, ctx, action);
+  AddAtlasCommands(app, ctx, action);
 
   try {
     app.parse(argc, argv);

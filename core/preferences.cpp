@@ -241,6 +241,7 @@ const PreferenceKey kKeys[] = {
     {"HCTTFont", nullptr, nullptr, &Preferences::HCTTFont},
     {"AutoAtlasLookup", &Preferences::AutoAtlasLookup},
     {"UseACS", &Preferences::UseACS},
+    {"IllinoisWarning", &Preferences::IllinoisWarning},
     {"UranusGlyph", nullptr, nullptr, &Preferences::UranusGlyph},
     {"PlutoGlyph", nullptr, nullptr, &Preferences::PlutoGlyph},
     {"CapricornGlyph", nullptr, nullptr, &Preferences::CapricornGlyph},

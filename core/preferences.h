@@ -47,6 +47,7 @@ struct Preferences {
   std::string HCTTFont = "CW Symbol";
   int16_t AutoAtlasLookup = 0;
   int16_t UseACS = 0;
+  int16_t IllinoisWarning = -1;  // warn when an Illinois birth fell under its standard-time recording law
   std::string UranusGlyph = "191";
   std::string PlutoGlyph = "193";
   std::string CapricornGlyph = "137";
