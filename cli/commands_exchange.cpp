@@ -12,6 +12,7 @@
 #include "exchange/events_list.h"
 #include "exchange/import.h"
 #include "exchange/place_lookup.h"
+#include "exchange/send_chart.h"
 
 namespace vintar::cli {
 namespace {
@@ -121,6 +122,14 @@ int ExportCharts(Context& ctx, const Paths& p) {
   return ok ? kExitOk : kExitFailed;
 }
 
+int SendChart(Context& ctx, const Paths& p) {
+  if (!OpenProjectForCommand(ctx, p.source)) return kExitFailed;
+  const std::string path = SendChartToSibling(ctx.session, p.destination.empty() ? DocumentsFolder() : p.destination);
+  if (ctx.json) ctx.PrintJson({{"failed", path.empty()}, {"file", JPath(path)}});
+  else if (!path.empty()) std::cout << DisplayText(path) << "\n";
+  return path.empty() ? kExitFailed : kExitOk;
+}
+
 CLI::App* Add(CLI::App& parent, const char* name, const char* help, const char* source, const char* destination,
               Context& ctx, Action& action, int (*run)(Context&, const Paths&), std::shared_ptr<Paths> p = nullptr) {
   if (!p) p = std::make_shared<Paths>();
@@ -149,6 +158,12 @@ void AddExchangeCommands(CLI::App& app, Context& ctx, Action& action) {
   out->require_subcommand(1);
   Add(*out, "aaf", "Write the natal chart and every record as AAF charts", "The project's .dat file",
       "The AAF file to write", ctx, action, ExportCharts);
+  auto send = std::make_shared<Paths>();
+  auto* sibling = out->add_subcommand("halcyra", "Send the project to the sibling charting program (as AAF in its "
+                                                 "chart folder)");
+  sibling->add_option("project", send->source, "The project's .dat file")->required();
+  sibling->add_option("--documents", send->destination, "The documents folder (default: the user's)");
+  sibling->callback([&ctx, &action, send] { action = [&ctx, send] { return SendChart(ctx, *send); }; });
 }
 
 }  // namespace vintar::cli

@@ -3,10 +3,13 @@
 namespace vintar {
 
 int DefaultButton(int flags) {
+  const bool second = (flags & kDefaultButton2) != 0;
   switch (flags & 15) {
     case kYesNoCancel:
     case kYesNo:
-      return kYes;
+      return second ? kNo : kYes;
+    case kOkCancel:
+      return second ? kCancel : kOk;
     default:
       return kOk;
   }

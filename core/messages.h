@@ -19,12 +19,14 @@ enum MessageFlags : int {
   kIconQuestion = 32,
   kIconExclamation = 48,
   kIconInformation = 64,
+  kDefaultButton2 = 256,  // the second button is the default
 };
 
 // Buttons a box returns.
 enum MessageButton : int { kOk = 1, kCancel = 2, kYes = 6, kNo = 7 };
 
-// The button a box answers with when nobody presses one: the first of its set.
+// The button a box answers with when nobody presses one: the first of its
+// set, or the second with kDefaultButton2.
 int DefaultButton(int flags);
 // Whether `button` is one of the buttons the box shows.
 bool ButtonAllowed(int flags, int button);

@@ -61,7 +61,9 @@ TEST(Messages, DefaultAndAllowedButtons) {
   sink.answer = kNo;
   EXPECT_EQ(sink.Show("b", kYesNoCancel + kIconQuestion, "t"), kNo);
   EXPECT_EQ(sink.Show("c", kOkOnly, "t"), kOk) << "a button the box lacks is never returned";
-  ASSERT_EQ(sink.messages.size(), 3u);
+  sink.answer = 0;
+  EXPECT_EQ(sink.Show("d", kYesNo + kDefaultButton2, "t"), kNo);
+  ASSERT_EQ(sink.messages.size(), 4u);
   EXPECT_EQ(sink.messages[1].flags, 35);
 }
 
