@@ -21,10 +21,13 @@ void AddRectifyCommands(CLI::App& app, Context& ctx, Action& action);
 void AddPlaceCommands(CLI::App& app, Context& ctx, Action& action);
 void AddExchangeCommands(CLI::App& app, Context& ctx, Action& action);
 void AddAtlasCommands(CLI::App& app, Context& ctx, Action& action);
+void AddRecordCommands(CLI::App& app, Context& ctx, Action& action);
 // The subcommands of `vintar rectify`, by module.
 void AddRectifyGraphCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifySearchCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifyAutoCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifyValidateCommand(CLI::App& rectify, Context& ctx, Action& action);
+// The File menu's operations under `vintar project` (new, merge, split, sort, title, delete).
+void AddProjectOpsCommands(CLI::App& project, Context& ctx, Action& action);
 
 }  // namespace vintar::cli

@@ -173,6 +173,7 @@ void AddProjectCommands(CLI::App& app, Context& ctx, Action& action) {
   save->callback([&ctx, &action, paths] {
     action = [&ctx, paths] { return RunSave(ctx, paths->first, paths->second); };
   });
+  AddProjectOpsCommands(*project, ctx, action);
 }
 
 }  // namespace vintar::cli
