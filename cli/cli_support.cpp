@@ -21,7 +21,11 @@ int ConsoleSink::Show(const std::string& text, int flags, const std::string& tit
       if (c != '\r') shown += c;
     std::cerr << DisplayText(title) << ": " << DisplayText(shown) << "\n";
   }
-  return ButtonAllowed(flags, answer) ? answer : DefaultButton(flags);
+  // --no on a box of OK and Cancel means Cancel; --yes means OK.
+  int wanted = answer;
+  if (wanted == kNo && !ButtonAllowed(flags, kNo) && ButtonAllowed(flags, kCancel)) wanted = kCancel;
+  if (wanted == kYes && !ButtonAllowed(flags, kYes) && ButtonAllowed(flags, kOk)) wanted = kOk;
+  return ButtonAllowed(flags, wanted) ? wanted : DefaultButton(flags);
 }
 
 void Context::Start() {

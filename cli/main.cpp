@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
   AddPlaceCommands(app, ctx, action);
   AddExchangeCommands(app, ctx, action);
   AddAtlasCommands(app, ctx, action);
+  AddRecordCommands(app, ctx, action);
 
   try {
     app.parse(argc, argv);
