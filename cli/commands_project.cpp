@@ -101,7 +101,7 @@ void PrintProject(const Session& s) {
   std::cout << "\n" << h.RecordCount << " records\n";
   std::cout << std::right << std::setw(4) << "#" << "  " << std::left << std::setw(30) << "Description"
             << std::setw(13) << "Date" << std::setw(12) << "Time" << std::setw(14) << "Zone" << std::setw(22)
-            << "Place" << std::setw(8) << "Lat" << std::setw(9) << "Long"
+            << "Place" << std::setw(10) << "Lat" << std::setw(11) << "Long"
             << "Range  On  Categories\n";
   for (int i = 1; i <= h.RecordCount; ++i) {
     const EventRecord& r = p.Events[i];
@@ -114,8 +114,8 @@ void PrintProject(const Session& s) {
     std::ostringstream row;
     row << std::right << std::setw(4) << i << "  " << std::left << std::setw(30) << r.Description.substr(0, 29)
         << std::setw(13) << FormatDate(s, r.Day, r.Month, r.Year) << std::setw(12) << time << std::setw(14) << zone
-        << std::setw(22) << place.substr(0, 21) << std::setw(8)
-        << (r.DetailLevel >= 3 ? FormatLatitude(r.Latitude) : "") << std::setw(9)
+        << std::setw(22) << place.substr(0, 21) << std::setw(10)
+        << (r.DetailLevel >= 3 ? FormatLatitude(r.Latitude) : "") << std::setw(11)
         << (r.DetailLevel >= 3 ? FormatLongitude(r.Longitude) : "") << std::setw(7) << range
         << std::setw(4) << (r.Enabled ? "yes" : "no") << categories;
     std::cout << ForTerminal(row.str()) << "\n";
