@@ -10,9 +10,15 @@
 #include "core/project_file.h"
 #include "core/text.h"
 #include "exchange/import.h"
+#include "exchange/text_fields.h"
 
 namespace vintar {
 namespace {
+
+using exchange_text::AllDigits;
+using exchange_text::AsciiLower;
+using exchange_text::DigitsValue;
+using exchange_text::SplitLines;
 
 std::vector<std::string> Fields(const std::string& data) {
   std::vector<std::string> out;
@@ -27,19 +33,6 @@ std::vector<std::string> Fields(const std::string& data) {
   return out;
 }
 
-bool Digits(const std::string& s) {
-  return !s.empty() && std::all_of(s.begin(), s.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
-int Int(const std::string& s) {
-  long long n = 0;
-  for (char c : s) {
-    if (c < '0' || c > '9') break;
-    n = std::min<long long>(n * 10 + (c - '0'), 100000000LL);
-  }
-  return static_cast<int>(n);
-}
-
 // "12:30:15" or "12:30" as minutes and seconds after a whole part; false
 // when it is not one.
 bool MinutesSeconds(const std::string& s, double& value) {
@@ -49,8 +42,8 @@ bool MinutesSeconds(const std::string& s, double& value) {
     value = 0;
     return sec == "0";
   }
-  if (!Digits(m) || !Digits(sec) || Int(m) >= 60 || Int(sec) >= 60) return false;
-  value = Int(m) / 60.0 + Int(sec) / 3600.0;
+  if (!AllDigits(m) || !AllDigits(sec) || DigitsValue(m) >= 60 || DigitsValue(sec) >= 60) return false;
+  value = DigitsValue(m) / 60.0 + DigitsValue(sec) / 3600.0;
   return true;
 }
 
@@ -65,8 +58,8 @@ bool Coordinate(const std::string& text, bool longitude, double& value) {
     if (c != pos && c != neg) continue;
     const std::string deg = t.substr(0, i);
     double minutes = 0;
-    if (!Digits(deg) || !MinutesSeconds(t.substr(i + 1), minutes)) return false;
-    double v = Int(deg) + minutes;
+    if (!AllDigits(deg) || !MinutesSeconds(t.substr(i + 1), minutes)) return false;
+    double v = DigitsValue(deg) + minutes;
     if (v > (longitude ? 180.0 : 90.0)) return false;
     const bool positive = c == pos;  // north or east
     v = positive ? v : -v;
@@ -85,15 +78,14 @@ bool Coordinate(const std::string& text, bool longitude, double& value) {
 // positive as the file's convention), hours added to UT to get local time;
 // returned in this system's sign (added to local time to get UT).
 bool ZoneOffset(const std::string& text, double& hours) {
-  std::string t = Trim(text);
-  for (char& c : t) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  std::string t = AsciiLower(Trim(text));
   const size_t letter = t.find_first_of("ew");
   if (letter != std::string::npos) {
     std::string h = t.substr(0, letter);
     if (!h.empty() && h.back() == 'h') h.pop_back();
     double minutes = 0;
-    if (!Digits(h) || !MinutesSeconds(t.substr(letter + 1), minutes)) return false;
-    const double v = Int(h) + minutes;
+    if (!AllDigits(h) || !MinutesSeconds(t.substr(letter + 1), minutes)) return false;
+    const double v = DigitsValue(h) + minutes;
     if (v > 15.0) return false;
     hours = t[letter] == 'e' ? -v : v;
     return true;
@@ -106,8 +98,8 @@ bool ZoneOffset(const std::string& text, double& hours) {
   const size_t colon = t.find(':');
   const std::string h = t.substr(0, colon);
   double minutes = 0;
-  if (!Digits(h) || (colon != std::string::npos && !MinutesSeconds(t.substr(colon + 1), minutes))) return false;
-  const double v = Int(h) + minutes;
+  if (!AllDigits(h) || (colon != std::string::npos && !MinutesSeconds(t.substr(colon + 1), minutes))) return false;
+  const double v = DigitsValue(h) + minutes;
   if (v > 15.0) return false;
   hours = negative ? v : -v;
   return true;
@@ -180,10 +172,10 @@ class Reader {
     std::string year = d.substr(b + 1);
     bool negative = !year.empty() && year[0] == '-';
     if (negative) year = year.substr(1);
-    if (!Digits(day) || !Digits(month) || !Digits(year) || year.size() > 5) return false;
-    chart_.Day = Int(day);
-    chart_.Month = Int(month);
-    chart_.Year = negative ? -Int(year) : Int(year);
+    if (!AllDigits(day) || !AllDigits(month) || !AllDigits(year) || year.size() > 5) return false;
+    chart_.Day = DigitsValue(day);
+    chart_.Month = DigitsValue(month);
+    chart_.Year = negative ? -DigitsValue(year) : DigitsValue(year);
     if (chart_.Month < 1 || chart_.Month > 12 || chart_.Day < 1 || chart_.Day > 31) return false;
     if (chart_.Year < -5000 || chart_.Year > 5000) return false;
     float back = 0;
@@ -198,11 +190,11 @@ class Reader {
     const size_t b = t.find(':', a + 1);
     const std::string h = t.substr(0, a), m = t.substr(a + 1, b == std::string::npos ? b : b - a - 1);
     const std::string sec = b == std::string::npos ? "0" : t.substr(b + 1);
-    if (!Digits(h) || !Digits(m) || !Digits(sec) || Int(h) > 23 || Int(m) > 59 || Int(sec) > 59) return false;
+    if (!AllDigits(h) || !AllDigits(m) || !AllDigits(sec) || DigitsValue(h) > 23 || DigitsValue(m) > 59 || DigitsValue(sec) > 59) return false;
     chart_.HasTime = true;
-    chart_.Hour = Int(h);
-    chart_.Minute = Int(m);
-    chart_.Second = Int(sec);
+    chart_.Hour = DigitsValue(h);
+    chart_.Minute = DigitsValue(m);
+    chart_.Second = DigitsValue(sec);
     return true;
   }
 
@@ -225,7 +217,7 @@ class Reader {
     if (ZoneOffset(zone, hours)) {
       // Daylight saving: hours added to the zone's clock ("1"); "m" and
       // "L" mark mean time, where the zone field is already the offset.
-      if (Digits(dst)) hours -= Int(dst);
+      if (AllDigits(dst)) hours -= DigitsValue(dst);
       chart_.HasZone = std::fabs(hours) <= 16.0;
       chart_.ZoneHours = hours;
     } else if (!zone.empty()) {
@@ -240,16 +232,11 @@ class Reader {
         if (chart_.ZoneName.empty()) chart_.ZoneName = mnemonic.empty() ? zone : mnemonic;
       }
     }
-    if (!chart_.HasZone && Lower(dst) == "l" && chart_.HasPosition) {
+    if (!chart_.HasZone && AsciiLower(dst) == "l" && chart_.HasPosition) {
       chart_.HasZone = true;  // local mean time of the place
       chart_.ZoneHours = chart_.Longitude / 15.0;
       chart_.ZoneName = "LMT";
     }
-  }
-
-  static std::string Lower(std::string s) {
-    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return s;
   }
 
   Session& s_;
@@ -338,21 +325,13 @@ AafReadResult ReadAaf(Session& session, const std::string& text) {
   AafReadResult result;
   try {
     Reader reader(session, result);
-    size_t at = 0;
     int lineNo = 0;
-    while (at < text.size()) {
-      size_t end = text.find('\n', at);
-      if (end == std::string::npos) end = text.size();
-      std::string line = text.substr(at, end - at);
-      at = end + 1;
+    for (const std::string& line : SplitLines(text)) {
       ++lineNo;
-      if (!line.empty() && line.back() == '\r') line.pop_back();
       if (line.empty() || line[0] != '#') continue;
       const size_t colon = line.find(':');
       if (colon == std::string::npos) continue;
-      std::string id = line.substr(1, colon - 1);
-      for (char& c : id) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-      reader.Chunk(Trim(id), line.substr(colon + 1), lineNo);
+      reader.Chunk(Trim(exchange_text::AsciiUpper(line.substr(1, colon - 1))), line.substr(colon + 1), lineNo);
     }
     reader.Flush();
   } catch (...) {

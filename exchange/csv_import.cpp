@@ -9,32 +9,17 @@
 #include "core/parse.h"
 #include "core/text.h"
 #include "exchange/import.h"
+#include "exchange/text_fields.h"
 
 namespace vintar {
 namespace {
 
+using exchange_text::AsciiLower;
+using exchange_text::SplitLines;
+
 constexpr const char* kKnownFields[] = {"name", "date", "time", "zone", "place", "latitude", "longitude", "skip"};
 
-std::string Lower(std::string s) {
-  for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return s;
-}
-
 bool KnownField(const std::string& f) { return std::find(std::begin(kKnownFields), std::end(kKnownFields), f) != std::end(kKnownFields); }
-
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  size_t at = 0;
-  while (at < text.size()) {
-    size_t end = text.find('\n', at);
-    if (end == std::string::npos) end = text.size();
-    std::string line = text.substr(at, end - at);
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(line);
-    at = end + 1;
-  }
-  return lines;
-}
 
 // One row's fields: the delimiter splits, a quoted field may hold it, and a
 // doubled quote inside stands for one.
@@ -124,7 +109,7 @@ std::string FormatCsvFormats(const std::vector<CsvFormat>& formats) {
 
 std::vector<CsvFormat> ParseCsvFormats(const std::string& text) {
   std::vector<CsvFormat> formats;
-  for (const std::string& raw : Lines(text)) {
+  for (const std::string& raw : SplitLines(text)) {
     const std::string line = Trim(raw);
     if (line.empty() || line[0] == ';') continue;
     if (line.front() == '[' && line.back() == ']') {
@@ -136,9 +121,9 @@ std::vector<CsvFormat> ParseCsvFormats(const std::string& text) {
     const size_t eq = line.find('=');
     if (eq == std::string::npos) continue;
     CsvFormat& f = formats.back();
-    const std::string key = Lower(Trim(line.substr(0, eq))), value = line.substr(eq + 1);
+    const std::string key = AsciiLower(Trim(line.substr(0, eq))), value = line.substr(eq + 1);
     if (key == "delimiter") {
-      const std::string v = Lower(value);
+      const std::string v = AsciiLower(value);
       f.Delimiter = v == "tab" ? '\t' : (value.empty() ? ',' : value[0]);
     } else if (key == "quote") {
       f.Quote = value.empty() ? 0 : value[0];
@@ -146,7 +131,7 @@ std::vector<CsvFormat> ParseCsvFormats(const std::string& text) {
       f.SkipLines = std::clamp(static_cast<int>(ToLongSaturated(Val(value))), 0, 1000);
     } else if (key == "fields") {
       f.Fields.clear();
-      for (const std::string& name : SplitRow(value, ',', 0)) f.Fields.push_back(KnownField(Lower(name)) ? Lower(name) : "skip");
+      for (const std::string& name : SplitRow(value, ',', 0)) f.Fields.push_back(KnownField(AsciiLower(name)) ? AsciiLower(name) : "skip");
     } else if (key == "dateorder") {
       const std::string v = UCase(Trim(value));
       f.DateOrder = v == "MDY" || v == "YMD" ? v : "DMY";
@@ -197,7 +182,7 @@ bool EditASCII(const Session& session, const std::vector<CsvFormat>& formats, st
 CsvImportResult ReadCsv(Session& s, const std::string& text, const CsvFormat& format) {
   CsvImportResult r;
   r.Records.assign(1, EventRecord{});
-  const std::vector<std::string> lines = Lines(text);
+  const std::vector<std::string> lines = SplitLines(text);
   for (size_t i = static_cast<size_t>(format.SkipLines); i < lines.size(); ++i) {
     const int lineNo = static_cast<int>(i) + 1;
     if (Trim(lines[i]).empty()) continue;

@@ -10,9 +10,16 @@
 #include "core/parse.h"
 #include "core/project_file.h"
 #include "core/text.h"
+#include "exchange/text_fields.h"
 
 namespace vintar {
 namespace {
+
+using exchange_text::AllDigits;
+using exchange_text::HasDigit;
+using exchange_text::AsciiUpper;
+using exchange_text::DigitsValue;
+using exchange_text::SplitLines;
 
 const char* const kWhen = "'When'";
 const char* const kWhat = "'What'";
@@ -20,29 +27,6 @@ const char* const kWhere = "'Where'";
 const char* const kGeneral = "'General error'";
 const char* const kGeneralEvent = "General Event";
 constexpr int kMaxEventLines = 3;
-
-std::string Upper(std::string s) {
-  for (char& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return s;
-}
-
-bool AllDigits(const std::string& s) {
-  return !s.empty() && std::all_of(s.begin(), s.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
-// A run of digits as a number, saturating far beyond any date.
-int Number(const std::string& s) {
-  long long n = 0;
-  for (char c : s) {
-    if (c < '0' || c > '9') break;
-    n = std::min<long long>(n * 10 + (c - '0'), 1000000000LL);
-  }
-  return static_cast<int>(n);
-}
-
-bool HasDigit(const std::string& s) {
-  return std::any_of(s.begin(), s.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
 
 // The collected message of the run: one entry per skipped event or warning.
 void AddToMessage(std::string& message, const std::string& detail, const std::string& type, int event, int line) {
@@ -71,7 +55,7 @@ struct Location {
 
 Location ParseLocation(const std::string& line) {
   Location l;
-  std::string s = Upper(Trim(line));
+  std::string s = AsciiUpper(Trim(line));
   const size_t eq = s.find('=');
   if (eq != std::string::npos) {
     if (s.find('=', eq + 1) != std::string::npos) return l;  // two signs: no location
@@ -118,7 +102,7 @@ int MonthOf(const std::string& t, std::string& error) {
       error = "Month number (" + t + ") must be a whole number.";
       return 0;
     }
-    const int n = AllDigits(t) ? Number(t) : 0;
+    const int n = AllDigits(t) ? DigitsValue(t) : 0;
     if (n >= 1 && n <= 12) return n;
     error = "Invalid month number (" + t + ").";
     return 0;
@@ -130,7 +114,7 @@ int MonthOf(const std::string& t, std::string& error) {
 // Whether a token may stand in a date; the reason when not.
 std::string DateTokenError(const Session& s, const std::string& t) {
   if (AllDigits(t)) {
-    const int n = Number(t);
+    const int n = DigitsValue(t);
     if (n >= 1 && n <= 31) return {};
     if (t.size() == 2) {
       const int year = s.clock.Year / 100 * 100 + n;
@@ -156,7 +140,7 @@ struct Date {
 std::optional<Date> ReadDate(const Session& s, DateOrder order, const std::vector<std::string>& t, std::string& error) {
   Date d;
   auto year = [&](const std::string& token) {
-    int y = Number(token);
+    int y = DigitsValue(token);
     if (token.size() <= 2) {
       y += s.clock.Year / 100 * 100;
       if (y > s.clock.Year) {
@@ -199,7 +183,7 @@ std::optional<Date> ReadDate(const Session& s, DateOrder order, const std::vecto
       error = "The date is not a valid calendar date.";
       return std::nullopt;
     }
-    d.Day = Number(t[di - 1]);
+    d.Day = DigitsValue(t[di - 1]);
     float back = 0;
     int m = 0, y = 0;
     d.JD = JulDay(d.Day, d.Month, d.Year);
@@ -238,7 +222,7 @@ void ReadTime(const std::vector<std::string>& tokens, When& w, std::string& erro
     if (x != "." && x != ":") t.push_back(x);
   std::vector<std::string> kept;  // among the first two, strangers are passed over
   for (size_t i = 0; i < t.size(); ++i) {
-    const bool usable = (AllDigits(t[i]) && Number(t[i]) <= 59) || IsAmPm(t[i]);
+    const bool usable = (AllDigits(t[i]) && DigitsValue(t[i]) <= 59) || IsAmPm(t[i]);
     if (i < 2 && !usable) continue;
     kept.push_back(t[i]);
   }
@@ -258,12 +242,12 @@ void ReadTime(const std::vector<std::string>& tokens, When& w, std::string& erro
   int minute = -1;
   if (kept.size() >= 2) {
     if (AllDigits(kept[1]))
-      minute = Number(kept[1]);
+      minute = DigitsValue(kept[1]);
     else
       marker = kept[1];
   }
   if (kept.size() == 3) marker = kept[2];
-  int hour = Number(kept[0]);
+  int hour = DigitsValue(kept[0]);
   if (hour > (marker.empty() ? 23 : 12)) {
     w.Warning = "Invalid hour, time not included in the event.";
     return;
@@ -326,7 +310,7 @@ std::optional<When> ReadWhen(const Session& s, DateOrder order, const std::strin
       if (pos == 3 || (pos == 4 && !AllDigits(date[2]))) error = "The 'AFTER' directive has no number.";
       else if (pos != 4) error = "The 'AFTER' directive is in the wrong position on the 'When' line.";
       if (!error.empty()) return std::nullopt;
-      after = Number(date[2]);
+      after = DigitsValue(date[2]);
       kind = "BEFORE AFTER";
       dateFrom = 4;
       continue;
@@ -341,7 +325,7 @@ std::optional<When> ReadWhen(const Session& s, DateOrder order, const std::strin
     }
     kind = t;
     sawBefore = t == "BEFORE";
-    before = Number(date[0]);
+    before = DigitsValue(date[0]);
     dateFrom = 2;
   }
   if (!kind.empty() && dateFrom >= date.size()) {
@@ -419,7 +403,7 @@ class Reader {
       afterEmpty_ = true;
       return;
     }
-    const std::string upper = Upper(line);
+    const std::string upper = AsciiUpper(line);
     if (upper.rfind("DATEORDER", 0) == 0 && !orderSet_ && !e_.Skipped) {
       orderSet_ = true;
       if (upper.size() >= 3) {
@@ -583,7 +567,7 @@ class Reader {
       const size_t colon = t.find(':', at);
       const std::string field = t.substr(at, colon == std::string::npos ? std::string::npos : colon - at);
       if (!AllDigits(field)) return false;
-      value += Number(field) * unit;
+      value += DigitsValue(field) * unit;
       unit /= 60.0;
       if (colon == std::string::npos) break;
       at = colon + 1;
@@ -609,7 +593,7 @@ class Reader {
 
 std::vector<std::string> WhenTokens(const std::string& line) {
   std::vector<std::string> tokens;
-  const std::string s = Upper(line);
+  const std::string s = AsciiUpper(line);
   std::string token;
   bool number = false;
   auto flush = [&] {
@@ -639,18 +623,11 @@ std::vector<std::string> WhenTokens(const std::string& line) {
 EventsListResult ParseEventsList(Session& session, const std::string& text, const EventPlaceLookup& lookup) {
   try {
     Reader reader(session, lookup);
-    size_t at = 0;
     int lineNo = 0;
-    while (at <= text.size()) {
-      size_t end = text.find('\n', at);
-      if (end == std::string::npos) end = text.size();
-      std::string line = text.substr(at, end - at);
-      if (!line.empty() && line.back() == '\r') line.pop_back();
+    for (const std::string& line : SplitLines(text)) {
       ++lineNo;
-      if (Upper(Trim(line)) == "QUIT") break;
+      if (AsciiUpper(Trim(line)) == "QUIT") break;
       reader.Line(line, lineNo);
-      at = end + 1;
-      if (end == text.size()) break;
     }
     EventsListResult r = reader.Done();
     if (r.Error) {

@@ -11,6 +11,7 @@
 #include "exchange/events_list.h"
 #include "exchange/import.h"
 #include "exchange/place_lookup.h"
+#include "exchange/text_fields.h"
 
 namespace vintar {
 
@@ -79,8 +80,7 @@ std::string ProposedImportName(const std::string& sourceFileName) {
   std::string stem = PathFileName(sourceFileName);
   const size_t dot = stem.rfind('.');
   if (dot != std::string::npos && dot > 0) stem.resize(dot);
-  for (char& c : stem) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return stem + ".dat";
+  return exchange_text::AsciiLower(stem) + ".dat";
 }
 
 std::string RunImport(Session& session, ImportKind kind, const std::string& sourcePath, const std::string& datPath,
