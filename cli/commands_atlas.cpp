@@ -7,7 +7,7 @@
 
 #include "cli/commands.h"
 #include "core/parse.h"
-#include "places/atlas.h"
+#include "places/atlas_entry.h"
 #include "places/zone_history.h"
 
 namespace vintar::cli {
@@ -32,22 +32,16 @@ int RunFind(Context& ctx, const FindArgs& a) {
     if (!failed && !a.time.empty()) ParseTime(s, FromArg(a.time), hour, minute, second, true, failed);
     if (failed) return fail();
   }
-  Atlas atlas;
-  std::string error;
-  if (!atlas.Load(EnsureBackslash(s.paths.SystemDataPath) + kAtlasFileName, error)) {
-    s.ShowMessage(error, kIconExclamation, "Vintar");
-    return fail();
-  }
-  PersonalPlaces personal;
-  personal.Load(EnsureBackslash(s.paths.UserDataPath) + kPersonalPlacesFileName, error);
+  AtlasLookupState state;
+  if (!PrepareAtlasLookup(s, state)) return fail();
   const AtlasQuery query = SplitPlaceText(FromArg(a.place));
   AtlasStatus status = AtlasStatus::kFound;
-  std::vector<AtlasPlace> found = FindPlace(atlas, personal, query, &status);
-  if (found.empty() && a.fuzzy) found = atlas.FindFuzzy(query, &status);
+  std::vector<AtlasPlace> found = FindPlace(state.atlas, state.personal, query, &status);
+  if (found.empty() && a.fuzzy) found = state.atlas.FindFuzzy(query, &status);
   if (found.size() > static_cast<size_t>(a.limit)) found.resize(static_cast<size_t>(a.limit));
   if (found.empty()) ReportAtlasStatus(s, status);
 
-  ZoneDatabase zones;
+  ZoneDatabase& zones = state.zones;
   nlohmann::json list = nlohmann::json::array();
   std::ostringstream text;
   for (const AtlasPlace& p : found) {
