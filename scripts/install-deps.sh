@@ -9,6 +9,7 @@ packages=(
   libswe-dev swe-basic-data
   libhowardhinnant-date-dev tzdata
   clang libclang-rt-14-dev
+  qt6-base-dev qt6-svg-dev libgl-dev fonts-dejavu-core
 )
 missing=()
 for p in "${packages[@]}"; do

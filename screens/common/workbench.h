@@ -1,0 +1,30 @@
+// What every screen of the desktop is given: the session, the rectification
+// state beside it, the recent files of the File menu, the atlas lookup that
+// the entry screens share, and a way to tell the main window that the open
+// project changed. The main window owns one; a test makes its own with a
+// capturing message sink.
+#pragma once
+
+#include <functional>
+
+#include "core/project_ops.h"
+#include "core/session.h"
+#include "places/atlas_entry.h"
+#include "rectify/rectification.h"
+
+namespace vintar {
+
+struct Workbench {
+  explicit Workbench(Session& s) : session(s) {}
+  Session& session;
+  Rectification rect;
+  RecentFilesMenu recent;
+  AtlasLookupState atlas;
+  NotepadHooks notepad = SystemNotepadHooks();
+  // Called after anything that changes the open project, its title or its
+  // records, so that the main window redraws its summary and menus.
+  std::function<void()> projectChanged = [] {};
+  void Changed() const { projectChanged(); }
+};
+
+}  // namespace vintar
