@@ -3,7 +3,7 @@
 #include <QtTest>
 
 #include "screens/main_menu.h"
-#include "support/qt_test_support.h"
+#include "qt_support/qt_test_support.h"
 
 using namespace vintar;
 

@@ -1,4 +1,4 @@
-#include "support/qt_test_support.h"
+#include "qt_support/qt_test_support.h"
 
 #include <QDir>
 #include <QFile>
