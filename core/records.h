@@ -95,6 +95,8 @@ struct ProjectState {
   std::string ProjectPath;
   std::string ProjectFolder;
   std::string ProjectStem;
+  // A project is open (new or read from a file): the project menus are live.
+  bool Open = false;
 };
 
 }  // namespace vintar

@@ -120,6 +120,7 @@ void SetFolders(Session& session) {
 void ResetMainWindow(Session& session) {
   session.TitlePanel = "Current Project: None";
   session.WindowTitle = "Vintar";
+  session.project.Open = false;
   ProjectHeader& h = session.project.Header;
   h.RecordCount = 0;
   h.CategoryCount = 0;
@@ -140,6 +141,7 @@ void ResetMainWindow(Session& session) {
 void UpdateTitle(Session& session, const std::string& path) {
   std::string text = path.empty() ? std::string("New Project") : Trim(ShortenPath(path));
   text += " - Vintar";
+  session.project.Open = true;
   const CurStatus& status = session.project.Status;
   if (status.DataChanged || status.NatChanged) text += " [Modified]";
   session.WindowTitle = text;
