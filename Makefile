@@ -7,7 +7,7 @@ FUZZ_BUILD   ?= build-fuzz
 FUZZ_SECONDS ?= 60
 FUZZ_TARGETS ?= dat nat ini timezone cache pla options parse atlas events aaf
 
-.PHONY: all deps build demo test test-asan test-plain bench clean fuzz fuzz-build
+.PHONY: all deps build demo desktop screenshots install package test test-asan test-plain bench clean fuzz fuzz-build
 
 all: build
 
@@ -26,6 +26,28 @@ demo: build
 	@mkdir -p $(BUILD)/demo
 	@cp samples/einstein.dat samples/einstein.nat samples/einstein.txt $(BUILD)/demo/
 	$(BUILD)/cli/vintar --config-dir $(BUILD)/demo/config rectify auto $(BUILD)/demo/einstein.dat
+
+# The desktop program on a copy of the bundled sample (needs a display).
+desktop: build
+	@mkdir -p $(BUILD)/demo
+	@cp samples/einstein.dat samples/einstein.nat samples/einstein.txt $(BUILD)/demo/
+	$(BUILD)/screens/vintar-desktop --config-dir $(BUILD)/demo/config $(BUILD)/demo/einstein.dat
+
+# Remakes the README's pictures: every main screen on the sample, offscreen.
+screenshots: build
+	@mkdir -p $(BUILD)/demo $(BUILD)/screenshots
+	@cp samples/einstein.dat samples/einstein.nat samples/einstein.txt $(BUILD)/demo/
+	QT_QPA_PLATFORM=offscreen $(BUILD)/screens/vintar-desktop --config-dir $(BUILD)/demo/config \
+	  --screenshot $(BUILD)/screenshots $(BUILD)/demo/einstein.dat
+
+# Installs under /usr/local (PREFIX=... for elsewhere); `make package`
+# builds the Debian package in $(BUILD).
+PREFIX ?= /usr/local
+install: build
+	cmake --install $(BUILD) --prefix $(PREFIX)
+
+package: build
+	cd $(BUILD) && cpack -G DEB
 
 test-plain: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)

@@ -4,8 +4,10 @@
 #pragma once
 
 #include <QApplication>
+#include <QKeySequence>
 #include <QMainWindow>
 
+#include <functional>
 #include <memory>
 
 #include "core/session.h"
@@ -28,6 +30,13 @@ class MainMenu : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void BuildPanels();
+  void BuildMenus();
+  void BuildOptionsMenu();
+  void ShowAbout();
+  // A menu command; `needsProject` ones are live only while a project is open.
+  QAction* AddCommand(QMenu* menu, const QString& text, const QKeySequence& keys, bool needsProject,
+                      const std::function<void()>& run, const QString& name);
   struct Parts;
   Workbench& wb_;
   std::unique_ptr<Parts> parts_;
