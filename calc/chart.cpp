@@ -165,6 +165,12 @@ double SessionSiderealOffset(const Session& session, double T) {
   return SiderealOffset(session.prefs.Zodiac, session.prefs.UserAyan, PrecessionArcsec(T));
 }
 
+double RecordSunLongitude(Session& session, const EventRecord& record) {
+  const double T = CenturiesFrom1900(record.JulianDay);
+  const double lon = PlanetLongitude(session, T, kBodySun, 0);
+  return lon < 0.0 ? lon : Mod(lon + SessionSiderealOffset(session, T), 360.0);
+}
+
 void CastChart(Session& session, int slot, int day, int month, int year, double hours, double zone,
                double longitude, double latitude) {
   if (slot < 1 || slot > kSlots) return;

@@ -47,6 +47,10 @@ void CalcHouses(Session& session, int slot, double ramc, double obliquity, doubl
 // The sidereal offset of the session's zodiac at T (0 for the tropical zodiac).
 double SessionSiderealOffset(const Session& session, double T);
 
+// The Sun's zodiac longitude (sidereal offset included) at a record's stored
+// moment, the key of the sort by Sun; negative when it could not be computed.
+double RecordSunLongitude(Session& session, const EventRecord& record);
+
 // The whole construction from text fields, as typed. An empty time means
 // 12:00. Returns false when a text does not parse (its parser has said why)
 // and the slot is then left as it was.

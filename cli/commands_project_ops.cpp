@@ -36,11 +36,7 @@ void SplitSavePath(const std::string& path, std::string& folder, std::string& na
 
 bool OpenForOps(Context& ctx, const std::string& path) {
   Session& s = ctx.session;
-  if (!FileExists(path)) {
-    s.ShowMessage("Error whilst attempting to read from file: " + path + kLineEnd + kLineEnd + "File not found",
-                  kIconExclamation, "File Read Error");
-    return false;
-  }
+  if (!ProjectFileExists(s, path)) return false;
   s.MergeActive = 0;
   bool failed = false;
   return OpenProject(s, path, failed, nullptr, CacheFileName);
@@ -121,11 +117,7 @@ int RunSort(Context& ctx, const OpsArgs& a) {
   request.key = a.by == "description" ? SortKey::Description : a.by == "sun" ? SortKey::Sun : SortKey::Date;
   request.descending = a.descending;
   request.fromFileMenu = a.dedupe;
-  request.sunLongitude = [&s](const EventRecord& r) {
-    const double T = CenturiesFrom1900(r.JulianDay);
-    const double lon = PlanetLongitude(s, T, kBodySun, 0);
-    return lon < 0.0 ? lon : Mod(lon + SessionSiderealOffset(s, T), 360.0);
-  };
+  request.sunLongitude = [&s](const EventRecord& r) { return RecordSunLongitude(s, r); };
   SortResult r = SortProject(s, request);
   if (!r.done) return Fail(ctx);
   nlohmann::json body = Summary(s, false);

@@ -1,5 +1,6 @@
 #include "core/menu_options.h"
 
+#include "core/record_edit.h"
 #include "core/session.h"
 #include "core/text.h"
 
@@ -58,6 +59,7 @@ bool SetMenuOption(Session& session, MenuOption option, int value) {
       const int16_t v = value ? kTrue : kFalse;
       if (option == MenuOption::TrueNode && *flag != v) MarkStale(session);
       *flag = v;
+      if (option == MenuOption::TrueNode) SetNodePoint(session.vocab, p.NodePoint());
       return true;
     }
   }
@@ -93,6 +95,29 @@ bool SetCenturyBase(Session& session, const std::string& text) {
     return false;
   }
   session.CenturyBase = int16_t(year);
+  return true;
+}
+
+bool SetUserAyanamsa(Session& session, const std::string& text) {
+  const std::string t = Trim(text);
+  const double value = IsNumericText(t) ? Val(t) : -1.0;
+  if (!(value >= 0.0 && value < 360.0)) {
+    session.ShowMessage("Please enter the SVP in degrees from 0 up to 360, such as 336.6561.", kIconExclamation,
+                        kAyanamsaTitle);
+    return false;
+  }
+  if (session.prefs.UserAyan != float(value)) MarkStale(session);
+  session.prefs.UserAyan = float(value);
+  return true;
+}
+
+bool SetUserHouse(Session& session, int point, int cusp) {
+  if (point < 1 || point > kPointCount || cusp < 1 || cusp > 12) return false;
+  Preferences& p = session.prefs;
+  if (p.PointOnCusp != point || p.WhichCusp != cusp) MarkStale(session);
+  p.PointOnCusp = int16_t(point);
+  p.WhichCusp = int16_t(cusp);
+  SetUserHouseName(session.vocab, point, cusp);
   return true;
 }
 

@@ -44,4 +44,16 @@ inline constexpr const char* kCenturyPrompt =
     "Enter the century which will be used whenever a year is entered with only two digits.";
 bool SetCenturyBase(Session& session, const std::string& text);
 
+// The same screen for the user's ayanamsa (zodiac entry 9): the Sidereal
+// Vernal Point of 1 January 1900 in degrees, from 0 up to 360, into UserAyan.
+// Other text shows the message and returns false. Marks results stale.
+inline constexpr const char* kAyanamsaTitle = "Sidereal Ayanamsa";
+inline constexpr const char* kAyanamsaPrompt = "Enter the Sidereal Vernal Point (SVP) for 1st Jan 1900.";
+bool SetUserAyanamsa(Session& session, const std::string& text);
+
+// The house point selection of the user house system (entry 14): point
+// 1 to 24 on cusp 1 to 12. Renames entry 14 ("Sun on 1st") and marks results
+// stale; false, and nothing changed, when either is out of range.
+bool SetUserHouse(Session& session, int point, int cusp);
+
 }  // namespace vintar

@@ -388,8 +388,12 @@ void SavePreferencesCommand(Session& session) {
 
 void RestorePreferencesCommand(Session& session) {
   if (session.ShowMessage("Do you wish to restore all the saved preference settings?", kYesNo + kIconQuestion,
-                          "Restore Preferences?") == kYes)
-    LoadPreferences(session);
+                          "Restore Preferences?") != kYes)
+    return;
+  LoadPreferences(session);
+  // The names that follow the node and the user house system.
+  SetNodePoint(session.vocab, session.prefs.NodePoint());
+  SetUserHouseName(session.vocab, session.prefs.PointOnCusp, session.prefs.WhichCusp);
 }
 
 std::vector<std::pair<std::string, std::string>> PreferenceListing(const Preferences& p) {

@@ -248,6 +248,12 @@ bool OpenProject(Session& session, const std::string& path, bool& failed, Progre
   return !failed;
 }
 
+bool ProjectFileExists(Session& session, const std::string& datPath) {
+  if (FileExists(datPath)) return true;
+  ShowMissingFile(session, datPath);
+  return false;
+}
+
 bool MergeProject(Session& session, const std::string& otherPath, Progress* progress, const CacheFileNamer& namer) {
   const int16_t before = session.MergeActive;
   session.MergeActive = kTrue;

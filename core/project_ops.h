@@ -48,6 +48,10 @@ void ConfirmSaveChanges(Session& session, bool& cancelled);
 bool OpenProject(Session& session, const std::string& path, bool& failed, Progress* progress = nullptr,
                  const CacheFileNamer& namer = {});
 
+// Whether the .dat of a project to open or merge is there; false after the
+// "File Read Error" message when it is missing.
+bool ProjectFileExists(Session& session, const std::string& datPath);
+
 // The merge command after the open dialogue: OpenProject with MergeActive
 // set, then the "Merge Finished" box.
 bool MergeProject(Session& session, const std::string& otherPath, Progress* progress = nullptr,

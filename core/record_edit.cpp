@@ -453,6 +453,9 @@ bool FinishRecordEdit(Session& session, RecordEditCopy& copy, int32_t& badRecord
     r.JulianDay = RecordJulianDay(r);
     r.Validated = kTrue;
   }
+  // Fields edited one by one on the screen mark the record only; the data
+  // file needs writing whenever the records differ from the copy.
+  if (RecordsChangedSinceCopy(session, copy)) p.Status.DataChanged = kTrue;
   ReleaseCopy(session, copy);
   return true;
 }
@@ -601,6 +604,13 @@ bool RenameCategory(CategoryEditor& editor, int position, const std::string& nam
     return false;
   editor.entries[position].name = trimmed;
   return true;
+}
+
+bool CheckCategoryName(Session& session, const std::string& name) {
+  if (!CheckNotBlank(session, name)) return false;
+  if (name.find('|') == std::string::npos && Trim(name) != kDeleteCategory) return true;
+  session.ShowMessage("A category name may not contain the character '|'.", kIconExclamation, "Vintar");
+  return false;
 }
 
 bool DeleteCategory(CategoryEditor& editor, int position) {

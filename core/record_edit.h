@@ -184,6 +184,9 @@ int AddCategory(CategoryEditor& editor, int type);
 // Moves entry `position` up (delta -1) or down (+1); false at the ends.
 bool MoveCategory(CategoryEditor& editor, int position, int delta);
 bool RenameCategory(CategoryEditor& editor, int position, const std::string& name);
+// The check of a typed name before RenameCategory: "Item must not be left
+// blank." or the bar, which separates the stored names. True when usable.
+bool CheckCategoryName(Session& session, const std::string& name);
 bool DeleteCategory(CategoryEditor& editor, int position);
 // Save: with deletions, "Confirm Deletion" (Cancel saves nothing). When the
 // order, names or types differ from the header, every record's Categories

@@ -11,7 +11,6 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QInputDialog>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -380,7 +379,15 @@ void MainMenu::BuildOptionsMenu() {
     a->setObjectName(name);
     a->setCheckable(true);
     connect(a, &QAction::triggered, this, [this, option, value] {
-      SetMenuOption(wb_.session, option, value);
+      // The last zodiac (the user's ayanamsa) and the last house system (a
+      // point on a cusp) ask for their value first; a cancel changes nothing.
+      if (option == MenuOption::Zodiac && value == 9) {
+        if (OptionsAyanamsa(wb_, this)) SetMenuOption(wb_.session, option, value);
+      } else if (option == MenuOption::Houses && value == 14) {
+        if (OptionsUserHouse(wb_, this)) SetMenuOption(wb_.session, option, value);
+      } else {
+        SetMenuOption(wb_.session, option, value);
+      }
       Refresh();
     });
     parts_->choiceActions.emplace_back(option, value, a);
@@ -426,12 +433,7 @@ void MainMenu::BuildOptionsMenu() {
   }
   QAction* century = options->addAction(tr("&Century..."));
   century->setObjectName("CentDef");
-  connect(century, &QAction::triggered, this, [this] {
-    bool ok = false;
-    QString text = QInputDialog::getText(this, Q(kCenturyTitle), Q(kCenturyPrompt), QLineEdit::Normal,
-                                         QString::number(wb_.session.CenturyBase), &ok);
-    if (ok) SetCenturyBase(wb_.session, L(text));
-  });
+  connect(century, &QAction::triggered, this, [this] { OptionsCentury(wb_, this); });
   options->addSeparator();
   QAction* prefs = options->addAction(tr("Pr&eferences..."));
   prefs->setObjectName("mnuPreferences");
