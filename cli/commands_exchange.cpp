@@ -108,17 +108,12 @@ int ImportRows(Context& ctx, const Paths& p) {
 
 int ExportCharts(Context& ctx, const Paths& p) {
   if (!OpenProjectForCommand(ctx, p.source)) return kExitFailed;
-  std::string error;
-  const bool ok = ExportAaf(ctx.session, p.destination, error);
-  if (!ok)
-    ctx.session.ShowMessage(std::string("Error whilst writing file:") + kLineEnd + kLineEnd + error, kIconExclamation,
-                            "Vintar");
+  const bool ok = ExportAafFile(ctx.session, p.destination);
   if (ctx.json)
     ctx.PrintJson({{"failed", !ok}, {"charts", ctx.session.project.Header.RecordCount + 1},
                    {"file", JPath(p.destination)}});
   else if (ok)
-    std::cout << "Exported " << ctx.session.project.Header.RecordCount << " events and the natal chart to "
-              << DisplayText(p.destination) << "\n";
+    std::cout << DisplayText(AafExportSummary(ctx.session, p.destination)) << "\n";
   return ok ? kExitOk : kExitFailed;
 }
 

@@ -446,4 +446,22 @@ bool ExportAaf(Session& session, const std::string& aafPath, std::string& error)
   return WriteFileAtomically(aafPath, WriteAaf(session, p.Header, records), error);
 }
 
+bool ProjectOpenForExport(Session& session) {
+  if (session.project.Open) return true;
+  session.ShowMessage("There is no project open to export.", kIconExclamation, "Vintar");
+  return false;
+}
+
+bool ExportAafFile(Session& session, const std::string& aafPath, const std::string& title) {
+  std::string error;
+  if (ExportAaf(session, aafPath, error)) return true;
+  session.ShowMessage(std::string("Error whilst writing file:") + kLineEnd + kLineEnd + error, kIconExclamation, title);
+  return false;
+}
+
+std::string AafExportSummary(const Session& session, const std::string& aafPath) {
+  return "Exported " + std::to_string(session.project.Header.RecordCount) + " events and the natal chart to " +
+         aafPath;
+}
+
 }  // namespace vintar

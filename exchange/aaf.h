@@ -66,4 +66,14 @@ bool ImportAaf(Session& session, const std::string& aafPath, const std::string& 
                std::string& error);
 bool ExportAaf(Session& session, const std::string& aafPath, std::string& error);
 
+// The export as the File menu and the command line run it: ExportAaf with
+// its failure shown ("Error whilst writing file:" and the reason, under
+// `title`).
+bool ExportAafFile(Session& session, const std::string& aafPath, const std::string& title = "Vintar");
+// The line that reports a finished export.
+std::string AafExportSummary(const Session& session, const std::string& aafPath);
+// The File menu's check before either export: a project is open, else a
+// message and false.
+bool ProjectOpenForExport(Session& session);
+
 }  // namespace vintar

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "calc/cache.h"
 #include "core/file_io.h"
 #include "core/preferences.h"
 #include "core/text.h"
@@ -131,6 +132,21 @@ std::string RunImport(Session& session, ImportKind kind, const std::string& sour
     return {};
   }
   return datPath;
+}
+
+bool OpenImportedProject(Session& session, const std::string& datPath, RecentFilesMenu& recent, Progress* progress) {
+  if (datPath.empty() || !FileExists(ReplaceExtension(datPath, ".nat"))) return false;
+  const CurStatus& status = session.project.Status;
+  if (status.DataChanged || status.NatChanged) {
+    bool cancelled = false;
+    ConfirmSaveChanges(session, cancelled);
+    if (cancelled) return false;
+  }
+  session.MergeActive = 0;
+  bool failed = false;
+  if (!OpenProject(session, datPath, failed, progress, CacheFileName)) return false;
+  UpdateRecentFiles(session, recent);
+  return true;
 }
 
 }  // namespace vintar

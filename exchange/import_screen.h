@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "core/project_ops.h"
 #include "core/session.h"
 
 namespace vintar {
@@ -48,5 +49,13 @@ std::string ProposedImportName(const std::string& sourceFileName);
 // nothing was made.
 std::string RunImport(Session& session, ImportKind kind, const std::string& sourcePath, const std::string& datPath,
                       int csvFormat = 1);
+
+// After a run: when the new project's .nat exists, the current project's
+// changes are offered for saving and the new project is opened as the File
+// menu opens one (its cache dates checked, the recent-file list updated).
+// False when there is no such project, the user cancelled or the open
+// failed (its message shown).
+bool OpenImportedProject(Session& session, const std::string& datPath, RecentFilesMenu& recent,
+                         Progress* progress = nullptr);
 
 }  // namespace vintar

@@ -31,12 +31,7 @@ std::string SendChartToSibling(Session& session, const std::string& documentsFol
   }
   std::error_code ec;
   std::filesystem::create_directories(folder, ec);
-  std::string error;
-  if (!ExportAaf(session, path, error)) {
-    session.ShowMessage(std::string("Error whilst writing file:") + kLineEnd + kLineEnd + error, kIconExclamation,
-                        "Send Chart to Halcyra");
-    return {};
-  }
+  if (!ExportAafFile(session, path, "Send Chart to Halcyra")) return {};
   session.ShowMessage(std::string("Chart file '") + kSentChartFile + "' exported." + kLineEnd +
                           "You can now open the chart in this file using Halcyra." + kLineEnd + kLineEnd +
                           "This is only a temporary file, so it is recommended that once you open the chart you "

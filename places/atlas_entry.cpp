@@ -1,10 +1,23 @@
 #include "places/atlas_entry.h"
 
+#include <algorithm>
+
 #include "core/parse.h"
 #include "core/session.h"
 #include "core/text.h"
 
 namespace vintar {
+namespace {
+
+// An atlas text (UTF-8) in the project files' single-byte text: as it is
+// when Latin-1 holds every letter, else its ASCII spelling.
+std::string FileText(const std::string& utf8, const std::string& ascii) {
+  const std::string latin1 = Utf8ToLatin1(utf8);
+  const auto marks = [](const std::string& t) { return std::count(t.begin(), t.end(), '?'); };
+  return marks(latin1) > marks(utf8) && !ascii.empty() ? ascii : latin1;
+}
+
+}  // namespace
 
 bool PrepareAtlasLookup(Session& session, AtlasLookupState& state) {
   if (state.loaded) return true;
@@ -41,7 +54,8 @@ AtlasCandidates FindEntryPlace(Session& session, AtlasLookupState& state, const 
 AtlasEntryFields FillEntryFields(Session& session, AtlasLookupState& state, const AtlasPlace& place, int year,
                                  int month, int day, int hour, int minute) {
   AtlasEntryFields f;
-  f.PlaceName = place.name + (place.countryName.empty() ? "" : ", " + place.countryName);
+  f.PlaceName = FileText(place.name, place.asciiName) +
+                (place.countryName.empty() ? "" : ", " + FileText(place.countryName, ""));
   f.Latitude = FormatLatitude(place.latitude);
   f.Longitude = FormatLongitude(place.longitude);
   const ZoneInForce z = state.zones.ZoneAt(place.zone, year, month, day, hour, minute, 0, place.longitude);

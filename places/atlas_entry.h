@@ -50,7 +50,7 @@ AtlasCandidates FindEntryPlace(Session& session, AtlasLookupState& state, const 
 // The fields of a chosen place on a local date and time.
 struct AtlasEntryFields {
   bool Failed = false;
-  std::string PlaceName;  // "City, Country" as the screen shows it
+  std::string PlaceName;  // "City, Country" in the files' single-byte text (ASCII when Latin-1 cannot hold it)
   std::string Latitude, Longitude, ZoneTime, ZoneMnemonic;
   double ZoneHours = 0.0;
   bool IsLmt = false, InGap = false, InOverlap = false;

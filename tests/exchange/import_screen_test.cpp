@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/records.h"
 #include "support/test_support.h"
 
 namespace vintar {
@@ -45,6 +46,29 @@ TEST(ImportScreen, RememberedSettings) {
   s = LoadImportSettings(t.session);
   EXPECT_EQ(s.ToFile, "imported.dat");  // empty reads back as the default
   EXPECT_EQ(s.FromFile, "events.txt");
+}
+
+TEST(ImportScreen, OpensTheImportedProjectAfterOfferingToSave) {
+  testing::TestSession t;
+  Session& s = t.session;
+  const std::string source = t.dir.file("life.txt"), dat = t.dir.file("life.dat");
+  testing::WriteBytes(source, "\"Wedding\"\r\n12 JUN 1990\r\n");
+  RecentFilesMenu recent;
+  EXPECT_FALSE(OpenImportedProject(s, dat, recent));  // nothing imported yet
+  ASSERT_EQ(RunImport(s, ImportKind::EventsList, source, dat), dat);
+
+  s.project.Status.DataChanged = kTrue;  // unsaved changes: Cancel keeps them
+  t.sink.answer = kCancel;
+  EXPECT_FALSE(OpenImportedProject(s, dat, recent));
+  EXPECT_EQ(t.sink.messages.back().title, "Save Changes?");
+  EXPECT_NE(s.project.ProjectPath, dat);
+
+  t.sink.answer = kNo;
+  ASSERT_TRUE(OpenImportedProject(s, dat, recent));
+  EXPECT_EQ(s.project.ProjectPath, dat);
+  EXPECT_EQ(s.project.Header.RecordCount, 1);
+  EXPECT_EQ(s.project.Header.Title, "Imported from life.txt");
+  EXPECT_EQ(recent.Count, 1);
 }
 
 }  // namespace

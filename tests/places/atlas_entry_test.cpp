@@ -32,6 +32,17 @@ TEST(AtlasEntry, RegionsCandidatesFieldsAndTheIllinoisWarning) {
   EXPECT_TRUE(c.Fuzzy);
   EXPECT_EQ(c.Title, SelectPlaceTitle("Germany"));
 
+  // The place name goes into Latin-1 project files: kept when Latin-1 holds
+  // it, spelled in ASCII when it does not.
+  struct Spelling {
+    const char *typed, *name;
+  } spellings[] = {{"Zurich, Switzerland", "Z\xfcrich, Switzerland"}, {"Lodz, Poland", "Lodz, Poland"}};
+  for (const Spelling& sp : spellings) {
+    c = FindEntryPlace(s, state, sp.typed);
+    ASSERT_FALSE(c.Places.empty()) << sp.typed;
+    EXPECT_EQ(FillEntryFields(s, state, c.Places[0], 1990, 1, 1, 12, 0).PlaceName, sp.name);
+  }
+
   c = FindEntryPlace(s, state, "Chicago, IL");
   ASSERT_FALSE(c.Places.empty());
   t.sink.messages.clear();
