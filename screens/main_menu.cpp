@@ -34,31 +34,8 @@
 #include "screens/common/qt_text.h"
 #include "screens/common/report_preview.h"
 #include "screens/project/file_menu.h"
-// TEMPORARY while the places and rectify screens are written.
-#if __has_include("screens/places/places_menu.h")
 #include "screens/places/places_menu.h"
-#else
-namespace vintar {
-inline void ShowZoneTable(Workbench&, QWidget*) {}
-inline void ShowPlaces(Workbench&, QWidget*) {}
-inline void ShowAtlas(Workbench&, QWidget*) {}
-inline void FileImport(Workbench&, QWidget*) {}
-inline void FileExport(Workbench&, QWidget*) {}
-inline void ScreenshotTourPlaces(Workbench&, QWidget*, const std::function<void(QWidget*, const QString&)>&) {}
-}  // namespace vintar
-#endif
-#if __has_include("screens/rectify/rectify_menu.h")
 #include "screens/rectify/rectify_menu.h"
-#else
-namespace vintar {
-inline void ShowViability(Workbench&, QWidget*) {}
-inline void ShowRectify(Workbench&, QWidget*) {}
-inline void ShowAngleSearch(Workbench&, QWidget*) {}
-inline void ShowTransitSearch(Workbench&, QWidget*) {}
-inline void ShowAutoRectify(Workbench&, QWidget*) {}
-inline void ScreenshotTourRectify(Workbench&, QWidget*, const std::function<void(QWidget*, const QString&)>&) {}
-}  // namespace vintar
-#endif
 
 namespace vintar {
 
