@@ -30,9 +30,6 @@ struct GraphArgs {
   std::string from, to;
 };
 
-// Rows made common by TopPeaks when two graphs share no peak.
-constexpr int kTopPeaksKept = 3;
-
 // Opens the project and builds graphs 1 to 3. Returns kExitOk when the
 // graphs stand, otherwise the exit code (after the JSON, with --json).
 int PrepareGraphs(Context& ctx, const std::string& path, Rectification& r) {
@@ -142,17 +139,9 @@ struct PeakRun {
 };
 
 void FindPeaks(Context& ctx, Rectification& r, const GraphArgs& a, PeakRun& run) {
-  for (int g = 1; g <= kShownGraphs; ++g) {
-    AutoSelectPeaks(ctx.session, r.graphs, g);
-    ReadPeaks(r.graphs, g, run.lists[g]);
-  }
-  const int ga = a.pair[0], gb = a.pair[1];
-  CommonPeaks(ctx.session, run.lists[ga], r.graphs.Graph[ga].MasterHarmonic, run.lists[gb],
-              r.graphs.Graph[gb].MasterHarmonic, run.commonHarmonic, run.common);
-  if (!HasCommonRow(run.common)) {
-    TopPeaks(run.common, kTopPeaksKept);
-    run.topPeaks = run.common.Count() > 0;
-  }
+  for (int g = 1; g <= kShownGraphs; ++g) AutoSelectPeaks(ctx.session, r.graphs, g);
+  run.topPeaks = CombineGraphPeaks(ctx.session, r.graphs, a.pair[0], a.pair[1], run.lists, run.common,
+                                   run.commonHarmonic);
   r.peaks.Common = run.common;
   r.peaks.CommonHarmonic = static_cast<int16_t>(run.commonHarmonic);
 }

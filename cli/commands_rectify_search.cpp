@@ -59,11 +59,7 @@ bool LoadOptions(Context& ctx, const std::string& named, SearchState& state, std
     s.ShowMessage("Unable to open rectification options file: " + used, kIconExclamation, "Vintar");
     return false;
   }
-  used = OptionsLoadPath(s, OptionsFile::Current);
-  if (!LoadDynOptions(state.Options, used)) {
-    used = OptionsLoadPath(s, OptionsFile::Defaults);
-    LoadDynOptions(state.Options, used);
-  }
+  used = LoadSearchScreenOptions(s, state.Options);
   return true;
 }
 
@@ -86,7 +82,7 @@ int RunSearch(Context& ctx, const SearchArgs& a) {
   TerminalProgress progress(ctx);
   progress.Caption("Searching " + s.vocab.DynamicMethodName[a.type]);
   if (!DynamicSearchNew(s, state, a.type, from, to, &progress)) {
-    if (state.FromJD > state.ToJD) s.ShowMessage("The search window is empty: " + from + " is after " + to + ".");
+    TellEmptySearchWindow(s, state, from, to);
     return fail();
   }
   for (int i = 1; i <= state.HitCount(); ++i) {

@@ -9,6 +9,7 @@
 #include "calc/cache.h"
 #include "core/file_io.h"
 #include "core/parse.h"
+#include "core/project_file.h"
 #include "core/text.h"
 
 namespace vintar {
@@ -201,6 +202,15 @@ bool SaveGraphSettings(const Session& session, const GraphState& graphs, std::st
     error = "Out of memory.";
     return false;
   }
+}
+
+bool SaveGraphSettingsOnClose(Session& session, const GraphState& graphs) {
+  if (Trim(session.project.ProjectPath).empty()) return true;
+  std::string error;
+  if (SaveGraphSettings(session, graphs, error)) return true;
+  session.ShowMessage(std::string("Error whilst writing file:") + kLineEnd + kLineEnd + error, kIconExclamation,
+                      "Vintar");
+  return false;
 }
 
 // ---------------------------------------------------------------- event order
@@ -622,6 +632,16 @@ std::string GraphReadout(const GraphState& graphs, int graph, int bar) {
 
 std::string AngleSearchHeading(const Session& session) {
   return "Angle Search: " + session.project.Header.Title;
+}
+
+bool CheckNatalForRectify(Session& session) {
+  if (NatalCheck(session, session.project.Header)) return true;
+  session.ShowMessage(
+      std::string("The natal details of the current project are incomplete.") + kLineEnd +
+          "Please enter the name, date, place, latitude, longitude and time zone of the birth before using "
+          "this function.",
+      kIconExclamation, "Natal Details Required");
+  return false;
 }
 
 }  // namespace vintar

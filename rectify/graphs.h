@@ -112,6 +112,9 @@ bool LoadGraphSettings(Session& session, GraphState& graphs);
 // Writes the ".pla" of the session's project. False, with `error`, when the
 // project has no path or the file cannot be written (the old file stays).
 bool SaveGraphSettings(const Session& session, const GraphState& graphs, std::string& error);
+// The same as the graph screen closes: nothing to do without a project
+// path; a failed write says "Error whilst writing file:" with the reason.
+bool SaveGraphSettingsOnClose(Session& session, const GraphState& graphs);
 
 // Event order ----------------------------------------------------------------
 
@@ -251,5 +254,10 @@ std::string RectifyScreenTitle(const Session& session);
 std::string GraphReadout(const GraphState& graphs, int graph, int bar);
 // The heading the angle search opens with: "Angle Search: " and the title.
 std::string AngleSearchHeading(const Session& session);
+
+// The rectification commands need the natal details (date, place, zone) of
+// the open project. False, after a message, when they do not pass the
+// natal check.
+bool CheckNatalForRectify(Session& session);
 
 }  // namespace vintar

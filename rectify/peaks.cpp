@@ -324,6 +324,18 @@ void TopPeaks(PeakList& list, int keep) {
   for (int i = 1; i <= std::min(n, keep); ++i) list.Rows[i].Source = 0.0f;
 }
 
+bool CombineGraphPeaks(const Session& session, const GraphState& graphs, int graphA, int graphB,
+                       std::array<PeakList, kShownGraphs + 1>& lists, PeakList& common, int& commonHarmonic) {
+  for (int g = 1; g <= kShownGraphs; ++g) ReadPeaks(graphs, g, lists[g]);
+  graphA = std::clamp(graphA, 1, kShownGraphs);
+  graphB = std::clamp(graphB, 1, kShownGraphs);
+  CommonPeaks(session, lists[graphA], graphs.Graph[graphA].MasterHarmonic, lists[graphB],
+              graphs.Graph[graphB].MasterHarmonic, commonHarmonic, common);
+  if (HasCommonRow(common)) return false;
+  TopPeaks(common, kTopPeaksKept);
+  return common.Count() > 0;
+}
+
 // ---------------------------------------------------------------- angle search
 
 double CircularMid(double period, double a, double b) {

@@ -120,6 +120,17 @@ bool HasCommonRow(const PeakList& list);
 // first min(count, keep) of them made common.
 void TopPeaks(PeakList& list, int keep);
 
+// Rows made common by TopPeaks when two graphs share no peak.
+inline constexpr int kTopPeaksKept = 3;
+
+// The peaks of the graph screen as the angle search takes them: the flagged
+// runs of graphs 1 to 3 read into lists[1..3], those of graphA and graphB
+// merged on their common harmonic, and when no merged row is common the
+// kTopPeaksKept rows of largest area made common. Returns whether that
+// happened (a merged list without rows stays as it is).
+bool CombineGraphPeaks(const Session& session, const GraphState& graphs, int graphA, int graphB,
+                       std::array<PeakList, kShownGraphs + 1>& lists, PeakList& common, int& commonHarmonic);
+
 // Angle search -----------------------------------------------------------------
 
 // The midpoint of a and b on a circle of `period`, on the shorter side.

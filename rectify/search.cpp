@@ -17,6 +17,7 @@
 #include "core/parse.h"
 #include "core/progress.h"
 #include "core/text.h"
+#include "rectify/peaks.h"
 #include "research/dignity.h"
 
 namespace vintar {
@@ -913,6 +914,38 @@ SearchTotalsResult SearchTotals(const SearchState& state) {
 }
 
 std::string ScorePercent(float ratio) { return std::to_string(std::lround(ratio * 100.0)) + "%"; }
+
+std::string LoadSearchScreenOptions(const Session& session, DynOptionSet& records) {
+  std::string used = OptionsLoadPath(session, OptionsFile::Current);
+  if (LoadDynOptions(records, used)) return used;
+  used = OptionsLoadPath(session, OptionsFile::Defaults);
+  LoadDynOptions(records, used);
+  return used;
+}
+
+void TellEmptySearchWindow(Session& session, const SearchState& state, const std::string& from,
+                           const std::string& to) {
+  if (state.FromJD > state.ToJD) session.ShowMessage("The search window is empty: " + from + " is after " + to + ".");
+}
+
+std::string DefaultTrialTime(Session& session) {
+  const ProjectHeader& h = session.project.Header;
+  int16_t hours = 0, minutes = 0, seconds = 0;
+  bool failed = false;
+  ParseTime(session, h.Time, hours, minutes, seconds, false, failed);
+  if (!failed) return FormatTime(hours, minutes, seconds, session.prefs.AMPM != 0);
+  double limits[2] = {0.0, 24.0};
+  const std::string* texts[2] = {&h.EarliestTime, &h.LatestTime};
+  for (int i = 0; i < 2; ++i) {
+    bool bad = false;
+    ParseTime(session, *texts[i], hours, minutes, seconds, false, bad);
+    if (!bad) limits[i] = hours + minutes / 60.0 + seconds / 3600.0;
+  }
+  const double mid = CircularMid(24.0, limits[0], limits[1]);
+  const long total = std::lround(Mod(mid, 24.0) * 3600.0) % 86400;
+  return FormatTime(static_cast<int>(total / 3600), static_cast<int>(total / 60 % 60), static_cast<int>(total % 60),
+                    session.prefs.AMPM != 0);
+}
 
 std::string DefaultSearchStart(Session& session) {
   int first = 0, last = 0;

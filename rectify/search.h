@@ -88,6 +88,11 @@ std::string OptionsSavePath(const Session& session, OptionsFile file);
 // Rectify options the system data folder when the user has none.
 std::string OptionsLoadPath(const Session& session, OptionsFile file);
 
+// The options of the search screen: "dynopts.fil", else the shipped
+// defaults. Returns the path of the file that was read (the defaults' path
+// when neither was there; the records then stay at their reset values).
+std::string LoadSearchScreenOptions(const Session& session, DynOptionSet& records);
+
 // ---------------------------------------------------------------------------
 // Hits
 
@@ -184,6 +189,15 @@ bool DynamicSearchNew(Session& session, SearchState& state, int dynamicType, con
 // The same with the window as Julian days of life.
 bool DynamicSearchWindow(Session& session, SearchState& state, int dynamicType, double fromJD, double toJD,
                          Progress* progress = nullptr);
+
+// After a search that returned false: when the window was empty (its start
+// after its end) says so, naming the two date texts.
+void TellEmptySearchWindow(Session& session, const SearchState& state, const std::string& from,
+                           const std::string& to);
+
+// The trial birth time the search screen opens with: the natal time when it
+// parses as a time, otherwise the middle of the project's time limits.
+std::string DefaultTrialTime(Session& session);
 
 // The record whose moment lies closest to the middle of the hit, disabled
 // records included; ties keep the earlier record. 0 without records.

@@ -186,6 +186,7 @@ MainMenu::MainMenu(Workbench& workbench, QWidget* parent)
   setObjectName("MainMenu");
   wb_.projectChanged = [this] { Refresh(); };
   InstallSaveDialog(wb_, this);
+  SetRectifyEventsEditor(EditData);
   BuildPanels();
   BuildMenus();
   ResetMainWindow(wb_.session);

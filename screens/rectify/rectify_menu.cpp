@@ -1,0 +1,144 @@
+#include "screens/rectify/rectify_menu.h"
+
+#include <QApplication>
+#include <QTreeWidget>
+
+#include "core/project_file.h"
+#include "rectify/auto_rectify.h"
+#include "rectify/viability.h"
+#include "screens/rectify/angle_search.h"
+#include "screens/rectify/graph_options.h"
+#include "screens/rectify/peak_options.h"
+#include "screens/rectify/rect_stat.h"
+#include "screens/rectify/rectify_screen.h"
+#include "screens/rectify/rectify_support.h"
+#include "screens/rectify/transit_search.h"
+#include "screens/rectify/val_rep.h"
+
+namespace vintar {
+
+namespace {
+
+// What every command of the menu asks first: an open project that is not
+// too large, with natal details to cast its charts from.
+bool ReadyToRectify(Workbench& wb) {
+  Session& s = wb.session;
+  return s.project.Open && !ProjectTooLarge(s) && CheckNatalForRectify(s);
+}
+
+void OpenGraphs(Workbench& wb, QWidget* parent) {
+  LoadProjectGraphSettings(wb);
+  MarkGraphsStale(wb.session);
+  auto* screen = new Rectify(wb, parent);
+  ShowToolWindow(screen);
+}
+
+}  // namespace
+
+void ShowViability(Workbench& wb, QWidget* parent) {
+  if (!wb.session.project.Open) return;
+  ShowToolWindow(new ValRep(wb, parent));
+}
+
+void ShowRectify(Workbench& wb, QWidget* parent) {
+  if (!ReadyToRectify(wb)) return;
+  // The viability report stands in front of the graphs while it warns.
+  std::string text;
+  bool problems = false;
+  ViabilityReport(wb.session, text, problems);
+  if (!problems) {
+    OpenGraphs(wb, parent);
+    return;
+  }
+  auto* report = new ValRep(wb, parent, /*beforeGraphs=*/true);
+  QObject::connect(report, &ValRep::continued, report, [&wb, parent] { OpenGraphs(wb, parent); });
+  ShowToolWindow(report);
+}
+
+void ShowAngleSearch(Workbench& wb, QWidget* parent) {
+  if (!ReadyToRectify(wb)) return;
+  LoadProjectGraphSettings(wb);
+  MarkGraphsStale(wb.session);
+  if (!BuildShownGraphs(wb, parent)) return;
+  ShowToolWindow(new AngleSearch(wb, parent));
+}
+
+void ShowTransitSearch(Workbench& wb, QWidget* parent) {
+  if (!ReadyToRectify(wb)) return;
+  ShowToolWindow(new TransitSearch(wb, parent));
+}
+
+void ShowAutoRectify(Workbench& wb, QWidget* parent) {
+  if (!ReadyToRectify(wb)) return;
+  auto* screen = new RectStat(wb, parent);
+  ShowToolWindow(screen);
+  screen->Start(kAutoFromEvents);
+}
+
+void ScreenshotTourRectify(Workbench& wb, QWidget* parent,
+                           const std::function<void(QWidget*, const QString&)>& shoot) {
+  Session& s = wb.session;
+  if (!s.project.Open || !NatalCheck(s, s.project.Header)) return;
+  auto settle = [](QWidget* w) {
+    w->show();
+    QApplication::processEvents();
+  };
+  // The tour leaves the rectification state as it found it.
+  const Rectification before = wb.rect;
+
+  {
+    ValRep report(wb, parent);
+    settle(&report);
+    shoot(&report, "viability-report");
+  }
+  LoadProjectGraphSettings(wb);
+  {
+    Rectify graphs(wb, parent);
+    graphs.setWindowFlag(Qt::Window);
+    graphs.Rebuild();
+    AutoSelectAllGraphs(s, wb.rect.graphs);
+    graphs.Redraw();
+    settle(&graphs);
+    shoot(&graphs, "event-graphs");
+
+    RectOpt options(wb, &graphs, QString::fromLatin1(kSelectPlanetsTitle));
+    settle(&options);
+    shoot(&options, "graph-options");
+    SelHarms harmonics(wb, &graphs);
+    settle(&harmonics);
+    shoot(&harmonics, "harmonics");
+    PeakOpt peaks(wb, &graphs);
+    settle(&peaks);
+    shoot(&peaks, "peak-options");
+  }
+  double candidate = -1.0;
+  {
+    AngleSearch angles(wb, parent);
+    angles.setWindowFlag(Qt::Window);
+    angles.Scan();
+    settle(&angles);
+    shoot(&angles, "angle-search");
+    candidate = angles.CandidateTime(1);
+  }
+  {
+    TransitSearch search(wb, parent, candidate);
+    search.setWindowFlag(Qt::Window);
+    search.Search();
+    settle(&search);
+    shoot(&search, "transit-search");
+    TranOpt options(wb, &search, wb.rect.search);
+    settle(&options);
+    shoot(&options, "search-options");
+  }
+  {
+    RectStat autoRectify(wb, parent);
+    autoRectify.setWindowFlag(Qt::Window);
+    autoRectify.Run(kAutoFromEvents);
+    settle(&autoRectify);
+    shoot(&autoRectify, "auto-rectify");
+  }
+  wb.rect = before;
+  MarkGraphsStale(s);
+}
+
+}  // namespace vintar

@@ -1,0 +1,71 @@
+#include "screens/rectify/rectify_support.h"
+
+#include <QDialog>
+#include <QShortcut>
+
+#include "calc/astro.h"
+#include "core/parse.h"
+#include "rectify/auto_rectify.h"
+#include "screens/common/progress_window.h"
+#include "screens/common/qt_text.h"
+#include "screens/rectify/rectify_menu.h"
+
+namespace vintar {
+
+QString ArrayName(const char* name, int index) { return QStringLiteral("%1_%2").arg(QLatin1String(name)).arg(index); }
+
+void LoadProjectGraphSettings(Workbench& wb) { LoadGraphSettings(wb.session, wb.rect.graphs); }
+
+bool BuildShownGraphs(Workbench& wb, QWidget* parent) {
+  BusyPointer busy;
+  ProgressWindow progress(parent, QStringLiteral("Calculating Harmonic Graphs"));
+  bool cancelled = false;
+  BuildGraphs(wb.session, wb.rect.graphs, cancelled, &progress);
+  // Sorting the events changes the project.
+  if (wb.session.project.Status.DataChanged) wb.Changed();
+  return !cancelled;
+}
+
+bool EnsureGraphsBuilt(Workbench& wb, QWidget* parent) {
+  if (!wb.session.cache.NeedsGraphRecalc) return true;
+  return BuildShownGraphs(wb, parent);
+}
+
+QString PointLabel(const Session& session, int point) {
+  const auto& names = session.vocab.PointName;
+  return point >= 0 && point < static_cast<int>(names.size()) ? Q(names[point]) : QString::number(point);
+}
+
+QString HoursText(const Session& session, double hours) { return Q(AutoTimeText(session, hours)); }
+
+QString LongitudeRange(const Session& session, const AngleResult::Range& range) {
+  return Q(ZodiacPosition(session, range[kLow], false) + " to " + ZodiacPosition(session, range[kHigh], false));
+}
+
+namespace {
+std::function<void(Workbench&, QWidget*)>& EventsEditor() {
+  static std::function<void(Workbench&, QWidget*)> editor;
+  return editor;
+}
+}  // namespace
+
+void SetRectifyEventsEditor(std::function<void(Workbench&, QWidget*)> editor) { EventsEditor() = std::move(editor); }
+
+void OpenEventsEditor(Workbench& wb, QWidget* parent) {
+  if (EventsEditor()) EventsEditor()(wb, parent);
+}
+
+void ShowToolWindow(QWidget* window) {
+  window->setWindowFlag(Qt::Window);
+  // A dialog closes on Esc by itself; the other windows the same way.
+  if (!qobject_cast<QDialog*>(window)) {
+    auto* escape = new QShortcut(QKeySequence::Cancel, window);
+    QObject::connect(escape, &QShortcut::activated, window, &QWidget::close);
+  }
+  window->setAttribute(Qt::WA_DeleteOnClose);
+  window->show();
+  window->raise();
+  window->activateWindow();
+}
+
+}  // namespace vintar
