@@ -141,7 +141,7 @@ bool IsResearchPrintCaption(const QString& caption) {
 // ---------------------------------------------------------------- PrintGraph
 
 PrintGraph::PrintGraph(Workbench& wb, QWidget* parent, const QString& caption, ReportBuilder build)
-    : QDialog(parent), wb_(wb), caption_(caption), build_(std::move(build)) {
+    : ReportScreen(wb, parent), caption_(caption), build_(std::move(build)) {
   setObjectName("PrintGraph");
   setWindowTitle(caption);
   subTitle_ = new QLineEdit(this);
@@ -196,40 +196,44 @@ ReportOptions PrintGraph::Options() const {
 
 void PrintGraph::Build(ReportDocument& doc) { BuildReport(doc, wb_.session, build_, Options()); }
 
-void PrintGraph::Refresh() {
+ReportScreen::ReportScreen(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb) {}
+
+ReportScreen::~ReportScreen() = default;
+
+void ReportScreen::Refresh() {
   pages_->SetPages(PreviewPages(wb_.session, [this](ReportDocument& doc) { Build(doc); }));
 }
 
-QPrinter& PrintGraph::Printer() {
+QPrinter& ReportScreen::Printer() {
   if (!printer_) printer_ = std::make_unique<QPrinter>(QPrinter::HighResolution);
   return *printer_;
 }
 
-bool PrintGraph::PrintTo(QPrinter& printer) {
+bool ReportScreen::PrintTo(QPrinter& printer) {
   return PrintReport(wb_.session, printer, [this](ReportDocument& doc) { Build(doc); });
 }
 
-bool PrintGraph::SavePdf(const QString& path) {
+bool ReportScreen::SavePdf(const QString& path) {
   return SaveReport(wb_.session, path, [this](ReportDocument& doc) { Build(doc); });
 }
 
-void PrintGraph::Print() {
+void ReportScreen::Print() {
   if (PrintTo(Printer())) accept();
 }
 
-void PrintGraph::Setup() {
+void ReportScreen::Setup() {
   QPrintDialog dialog(&Printer(), this);
   dialog.exec();
 }
 
-void PrintGraph::SaveAsPdf() {
+void ReportScreen::SaveAsPdf() {
   const QString path = AskPdfPath(this, wb_.session);
   if (!path.isEmpty()) SavePdf(path);
 }
 
 // ---------------------------------------------------------------- PrintEvents
 
-PrintEvents::PrintEvents(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb) {
+PrintEvents::PrintEvents(Workbench& wb, QWidget* parent) : ReportScreen(wb, parent) {
   setObjectName("PrintEvents");
   setWindowTitle(tr("Print List of Records"));
   subTitle_ = new QLineEdit(this);
@@ -302,36 +306,6 @@ ReportOptions PrintEvents::Options() const {
 
 void PrintEvents::Build(ReportDocument& doc) { DataReport(doc, wb_.session, Kind(), Options()); }
 
-void PrintEvents::Refresh() {
-  pages_->SetPages(PreviewPages(wb_.session, [this](ReportDocument& doc) { Build(doc); }));
-}
-
-QPrinter& PrintEvents::Printer() {
-  if (!printer_) printer_ = std::make_unique<QPrinter>(QPrinter::HighResolution);
-  return *printer_;
-}
-
-bool PrintEvents::PrintTo(QPrinter& printer) {
-  return PrintReport(wb_.session, printer, [this](ReportDocument& doc) { Build(doc); });
-}
-
-bool PrintEvents::SavePdf(const QString& path) {
-  return SaveReport(wb_.session, path, [this](ReportDocument& doc) { Build(doc); });
-}
-
-void PrintEvents::Print() {
-  if (PrintTo(Printer())) accept();
-}
-
-void PrintEvents::Setup() {
-  QPrintDialog dialog(&Printer(), this);
-  dialog.exec();
-}
-
-void PrintEvents::SaveAsPdf() {
-  const QString path = AskPdfPath(this, wb_.session);
-  if (!path.isEmpty()) SavePdf(path);
-}
 
 // ---------------------------------------------------------------- entries
 

@@ -50,13 +50,15 @@ class ReportPagesView : public QWidget {
 // The captions for which the list of enabled records is not offered.
 bool IsResearchPrintCaption(const QString& caption);
 
-class PrintGraph : public QDialog {
+// What both print screens share: the preview of the report's pages, the
+// printer with its setup dialog, printing and saving as a PDF. A screen
+// gives the report through Build.
+class ReportScreen : public QDialog {
   Q_OBJECT
  public:
-  PrintGraph(Workbench& wb, QWidget* parent, const QString& caption, ReportBuilder build);
-  ~PrintGraph() override;
+  ReportScreen(Workbench& wb, QWidget* parent);
+  ~ReportScreen() override;
 
-  ReportOptions Options() const;
   // Rebuilds the preview from the fields.
   void Refresh();
   // Prints on `printer`; a failure shows "Printing Error". Returns success.
@@ -71,18 +73,34 @@ class PrintGraph : public QDialog {
   void Setup();
   void SaveAsPdf();
 
- private:
-  void Build(ReportDocument& doc);
+ protected:
+  virtual void Build(ReportDocument& doc) = 0;
   Workbench& wb_;
-  QString caption_;
-  ReportBuilder build_;
+  ReportPagesView* pages_ = nullptr;
+
+ private:
   std::unique_ptr<QPrinter> printer_;
-  QLineEdit* subTitle_;
-  QCheckBox* checkEvents_;
-  ReportPagesView* pages_;
 };
 
-class PrintEvents : public QDialog {
+class PrintGraph : public ReportScreen {
+  Q_OBJECT
+ public:
+  PrintGraph(Workbench& wb, QWidget* parent, const QString& caption, ReportBuilder build);
+  ~PrintGraph() override;
+
+  ReportOptions Options() const;
+
+ protected:
+  void Build(ReportDocument& doc) override;
+
+ private:
+  QString caption_;
+  ReportBuilder build_;
+  QLineEdit* subTitle_;
+  QCheckBox* checkEvents_;
+};
+
+class PrintEvents : public ReportScreen {
   Q_OBJECT
  public:
   PrintEvents(Workbench& wb, QWidget* parent);
@@ -90,26 +108,15 @@ class PrintEvents : public QDialog {
 
   int Kind() const;  // 0 all, 1 enabled, 2 disabled
   ReportOptions Options() const;
-  void Refresh();
-  bool PrintTo(QPrinter& printer);
-  bool SavePdf(const QString& path);
-  QPrinter& Printer();
-  ReportPagesView* Pages() const { return pages_; }
 
- public slots:
-  void Print();
-  void Setup();
-  void SaveAsPdf();
+ protected:
+  void Build(ReportDocument& doc) override;
 
  private:
-  void Build(ReportDocument& doc);
-  Workbench& wb_;
-  std::unique_ptr<QPrinter> printer_;
   QLineEdit* subTitle_;
   QRadioButton* all_;
   QRadioButton* enabled_;
   QRadioButton* disabled_;
-  ReportPagesView* pages_;
 };
 
 // Shows the print screen of a report modally.
