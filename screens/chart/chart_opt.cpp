@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "screens/common/dialog_buttons.h"
 #include "screens/common/qt_text.h"
 
 namespace vintar {
@@ -71,16 +72,7 @@ ChartOpt::ChartOpt(Workbench& wb, QWidget* parent, const ChartOptions& options, 
   groups->addWidget(CheckGroup(this, s, tr("Aspected Points"), "Planet2", aspected_));
   outer->addLayout(groups);
 
-  auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  QPushButton* ok = box->button(QDialogButtonBox::Ok);
-  ok->setObjectName("OKButton");
-  ok->setText(tr("&OK"));
-  ok->setDefault(true);
-  QPushButton* cancel = box->button(QDialogButtonBox::Cancel);
-  cancel->setObjectName("CancelButton");
-  cancel->setText(tr("&Cancel"));
-  connect(box, &QDialogButtonBox::accepted, this, &ChartOpt::accept);
-  connect(box, &QDialogButtonBox::rejected, this, &ChartOpt::reject);
+  auto* box = OkCancelButtons(this);
   outer->addWidget(box);
 
   type_->setCurrentIndex(form_.DynType);

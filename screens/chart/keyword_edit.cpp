@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "screens/common/dialog_buttons.h"
 #include "screens/common/qt_text.h"
 
 namespace vintar {
@@ -45,16 +46,7 @@ KeyWordEdit::KeyWordEdit(Workbench& wb, QWidget* parent)
   preview_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
   outer->addWidget(preview_, 1);
 
-  auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  QPushButton* ok = box->button(QDialogButtonBox::Ok);
-  ok->setObjectName("OKButton");
-  ok->setText(tr("&OK"));
-  ok->setDefault(true);
-  QPushButton* cancel = box->button(QDialogButtonBox::Cancel);
-  cancel->setObjectName("CancelButton");
-  cancel->setText(tr("&Cancel"));
-  connect(box, &QDialogButtonBox::accepted, this, &KeyWordEdit::accept);
-  connect(box, &QDialogButtonBox::rejected, this, &KeyWordEdit::reject);
+  auto* box = OkCancelButtons(this);
   outer->addWidget(box);
 
   text_->setText(Q(table_.Text[0]));

@@ -26,6 +26,7 @@
 #include "core/project_ops.h"
 #include "core/session.h"
 #include "core/text.h"
+#include "screens/common/dialog_buttons.h"
 #include "screens/common/qt_text.h"
 #include "screens/places/atlas_pick.h"
 #include "screens/project/entry_keys.h"
@@ -188,16 +189,7 @@ DataEntry::DataEntry(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb) 
   }
   columns->addWidget(fieldsPanel_, 2);
 
-  auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  QPushButton* ok = box->button(QDialogButtonBox::Ok);
-  ok->setObjectName("OKButton");
-  ok->setText(tr("&OK"));
-  ok->setDefault(true);
-  QPushButton* cancel = box->button(QDialogButtonBox::Cancel);
-  cancel->setObjectName("CancelButton");
-  cancel->setText(tr("&Cancel"));
-  connect(box, &QDialogButtonBox::accepted, this, &DataEntry::accept);
-  connect(box, &QDialogButtonBox::rejected, this, &DataEntry::reject);
+  auto* box = OkCancelButtons(this);
   outer->addWidget(box);
 
   connect(description_, &QLineEdit::editingFinished, this, &DataEntry::LeaveDescription);

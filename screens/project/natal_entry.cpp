@@ -13,6 +13,7 @@
 #include "core/project_ops.h"
 #include "core/session.h"
 #include "core/text.h"
+#include "screens/common/dialog_buttons.h"
 #include "screens/common/qt_text.h"
 #include "screens/places/atlas_pick.h"
 #include "screens/project/entry_keys.h"
@@ -72,16 +73,7 @@ NatalEntry::NatalEntry(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb
   outer->addWidget(window);
   outer->addStretch();
 
-  auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  QPushButton* ok = box->button(QDialogButtonBox::Ok);
-  ok->setObjectName("OKButton");
-  ok->setText(tr("&OK"));
-  ok->setDefault(true);
-  QPushButton* cancel = box->button(QDialogButtonBox::Cancel);
-  cancel->setObjectName("CancelButton");
-  cancel->setText(tr("&Cancel"));
-  connect(box, &QDialogButtonBox::accepted, this, &NatalEntry::accept);
-  connect(box, &QDialogButtonBox::rejected, this, &NatalEntry::reject);
+  auto* box = OkCancelButtons(this);
   outer->addWidget(box);
 
   connect(zoneMnemonic_, &QLineEdit::editingFinished, this, &NatalEntry::LeaveZoneMnemonic);

@@ -22,6 +22,7 @@
 #include "core/preferences.h"
 #include "core/session.h"
 #include "core/text.h"
+#include "screens/common/dialog_buttons.h"
 #include "screens/common/qt_text.h"
 
 namespace vintar {
@@ -88,19 +89,6 @@ QWidget* PathRow(QLineEdit* edit, bool folder, QWidget* parent) {
 
 QString AyanamsaText(float value) { return QString::number(double(value), 'g', 9); }
 
-QDialogButtonBox* OkCancel(QDialog* dialog) {
-  auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
-  QPushButton* ok = box->button(QDialogButtonBox::Ok);
-  ok->setObjectName("OKButton");
-  ok->setText(QObject::tr("&OK"));
-  ok->setDefault(true);
-  QPushButton* cancel = box->button(QDialogButtonBox::Cancel);
-  cancel->setObjectName("CancelButton");
-  cancel->setText(QObject::tr("&Cancel"));
-  QObject::connect(box, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-  QObject::connect(box, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-  return box;
-}
 
 }  // namespace
 
@@ -220,7 +208,7 @@ PreferencesScreen::PreferencesScreen(Workbench& wb, QWidget* parent) : QDialog(p
   bottom->addWidget(save);
   bottom->addWidget(restore);
   bottom->addStretch();
-  bottom->addWidget(OkCancel(this));
+  bottom->addWidget(OkCancelButtons(this));
   outer->addLayout(bottom);
 
   connect(save, &QPushButton::clicked, this, &PreferencesScreen::SavePreferencesClicked);
@@ -336,7 +324,7 @@ CenturyDef::CenturyDef(Workbench& wb, QWidget* parent, Mode mode) : QDialog(pare
   prompt->setBuddy(value_);
   layout->addWidget(prompt);
   layout->addWidget(value_);
-  layout->addWidget(OkCancel(this));
+  layout->addWidget(OkCancelButtons(this));
   setMinimumWidth(380);
 }
 
@@ -378,7 +366,7 @@ HousePoint::HousePoint(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb
   form->addRow(tr("&Cusp:"), cusp_);
   form->addRow(tr("House system:"), name_);
   layout->addLayout(form);
-  layout->addWidget(OkCancel(this));
+  layout->addWidget(OkCancelButtons(this));
   Choose(s.prefs.PointOnCusp, s.prefs.WhichCusp);
   connect(point_, &QComboBox::currentIndexChanged, this, &HousePoint::ShowName);
   connect(cusp_, &QSpinBox::valueChanged, this, &HousePoint::ShowName);

@@ -13,6 +13,7 @@
 #include <algorithm>
 
 #include "core/session.h"
+#include "screens/common/dialog_buttons.h"
 #include "screens/common/qt_text.h"
 
 namespace vintar {
@@ -20,19 +21,6 @@ namespace vintar {
 namespace {
 
 // OK and Cancel, named as every screen names them; Enter is OK, Esc Cancel.
-QDialogButtonBox* OkCancel(QDialog* dialog) {
-  auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
-  QPushButton* ok = box->button(QDialogButtonBox::Ok);
-  ok->setObjectName("OKButton");
-  ok->setText(QObject::tr("&OK"));
-  ok->setDefault(true);
-  QPushButton* cancel = box->button(QDialogButtonBox::Cancel);
-  cancel->setObjectName("CancelButton");
-  cancel->setText(QObject::tr("&Cancel"));
-  QObject::connect(box, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-  QObject::connect(box, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-  return box;
-}
 
 QRadioButton* Option(const char* name, const QString& text, QWidget* parent) {
   auto* option = new QRadioButton(text, parent);
@@ -58,7 +46,7 @@ ProjTitle::ProjTitle(Workbench& wb, QWidget* parent, const std::string& title, A
   layout->addWidget(prompt);
   layout->addWidget(title_);
   layout->addStretch();
-  layout->addWidget(OkCancel(this));
+  layout->addWidget(OkCancelButtons(this));
 }
 
 void ProjTitle::accept() {
@@ -98,7 +86,7 @@ SortOptions::SortOptions(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(
   row->addWidget(by);
   row->addWidget(order);
   layout->addLayout(row);
-  layout->addWidget(OkCancel(this));
+  layout->addWidget(OkCancelButtons(this));
 }
 
 SortRequest SortOptions::Request() const {
@@ -136,7 +124,7 @@ Split::Split(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb) {
   form->addRow(tr("&First record:"), first_);
   form->addRow(tr("&Last record:"), last_);
   layout->addLayout(form);
-  layout->addWidget(OkCancel(this));
+  layout->addWidget(OkCancelButtons(this));
 }
 
 int32_t Split::First() const { return first_->value(); }
