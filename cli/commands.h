@@ -22,6 +22,7 @@ void AddPlaceCommands(CLI::App& app, Context& ctx, Action& action);
 void AddExchangeCommands(CLI::App& app, Context& ctx, Action& action);
 void AddAtlasCommands(CLI::App& app, Context& ctx, Action& action);
 void AddRecordCommands(CLI::App& app, Context& ctx, Action& action);
+void AddResearchCommands(CLI::App& app, Context& ctx, Action& action);
 // The subcommands of `vintar rectify`, by module.
 void AddRectifyGraphCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifySearchCommands(CLI::App& rectify, Context& ctx, Action& action);

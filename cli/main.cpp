@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
   AddExchangeCommands(app, ctx, action);
   AddAtlasCommands(app, ctx, action);
   AddRecordCommands(app, ctx, action);
+  AddResearchCommands(app, ctx, action);
 
   try {
     app.parse(argc, argv);

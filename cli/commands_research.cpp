@@ -1,0 +1,446 @@
+// `vintar research`: point lists (show, add, save, load), a tabulation of a
+// project with its statistics, and the tab-separated export of one.
+//
+// Points are named as the point list shows them: --point Mars, --point
+// "Sun/Moon" (a midpoint), --point "10th House Cusp", --point "Prenatal New
+// Moon", --point 15Ar30 (a fixed degree), --part Fortune (by name or
+// abbreviation in the parts file), --almuten NAME; --transform "Ruler (New)"
+// applies to every point named in the same command.
+//
+// The statistics of a column: the program's one-cell test of its most
+// deviant cell (as the results screen shows it) and, for a research reader,
+// the usual goodness-of-fit chi-square over the real cells against an even
+// spread, with its degrees of freedom and probability. The top-level
+// "chiSquare", "dof" and "pValue" of the JSON are the goodness of fit of
+// the only column, or of the TOTAL column when there are several.
+#include <cmath>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+#include "cli/commands.h"
+#include "core/parse.h"
+#include "research/dignity.h"
+#include "research/points.h"
+#include "research/results.h"
+#include "research/tabulate.h"
+
+namespace vintar::cli {
+namespace {
+
+struct PointArgs {
+  std::string list;                 // --points FILE.vpt
+  std::vector<std::string> points;  // --point NAME
+  std::vector<std::string> parts;   // --part NAME
+  std::vector<std::string> almutens;
+  std::string transform;
+  std::string partsFile, almutenFile;
+};
+
+void AddPointOptions(CLI::App* cmd, PointArgs& a) {
+  cmd->add_option("--point", a.points, "A point by name: Mars, \"Sun/Moon\", \"10th House Cusp\", 15Ar30");
+  cmd->add_option("--part", a.parts, "An Arabic part of the parts file, by name or abbreviation");
+  cmd->add_option("--almuten", a.almutens, "A chart almuten of the almuten file, by name");
+  cmd->add_option("--transform", a.transform, "A transformation for the points named here: \"Ruler (New)\"");
+  cmd->add_option("--parts-file", a.partsFile, "The Arabic parts file (.arp); default the shipped vintar.arp");
+  cmd->add_option("--almuten-file", a.almutenFile, "The almuten file (.alm); default the shipped vintar.alm");
+}
+
+std::string DefaultListFile(const Session& s, const std::string& name) {
+  const std::string user = EnsureBackslash(s.paths.UserDataPath) + name;
+  return FileExists(user) ? user : EnsureBackslash(s.paths.SystemDataPath) + name;
+}
+
+// Loads the parts and almuten files the list names (or the command gives),
+// then adds the named points. False after a message when a name is unknown.
+bool ComposePoints(Context& ctx, ResearchState& state, const PointArgs& a) {
+  Session& s = ctx.session;
+  if (!a.list.empty() && !OpenPointList(s, state, a.list)) return false;
+  std::string error;
+  std::string parts = !a.partsFile.empty() ? a.partsFile : state.Header.PartsFile;
+  std::string almutens = !a.almutenFile.empty() ? a.almutenFile : state.Header.AlmutenFile;
+  if (parts.empty()) parts = DefaultListFile(s, "vintar.arp");
+  if (almutens.empty()) almutens = DefaultListFile(s, "vintar.alm");
+  state.Header.PartsFile = parts;
+  state.Header.AlmutenFile = almutens;
+  if (!LoadParts(s, state, ResolveListFile(s, parts), error) && !error.empty())
+    s.ShowMessage("The parts file " + parts + " could not be read: " + error, kIconExclamation, "Vintar");
+  error.clear();
+  if (!LoadAlmutens(s, state, ResolveListFile(s, almutens), error) && !error.empty())
+    s.ShowMessage("The almuten file " + almutens + " could not be read: " + error, kIconExclamation, "Vintar");
+
+  int transform = 0;
+  if (!a.transform.empty()) {
+    transform = TransformByName(s, FromArg(a.transform));
+    if (transform < 0) {
+      s.ShowMessage("There is no transformation named \"" + FromArg(a.transform) + "\".", kIconExclamation,
+                    "Unknown Transformation");
+      return false;
+    }
+  }
+  auto add = [&](const std::string& name, int type) {
+    PointRef ref;
+    bool found = false;
+    if (type == kChartPointType) {
+      found = PointByName(s, state, name, ref);
+    } else if (type == kArabicPartType) {
+      for (size_t i = 0; i < state.Parts.size() && !found; ++i)
+        if (EqualsIgnoreCase(Trim(state.Parts[i].Name), name) || EqualsIgnoreCase(Trim(state.Parts[i].Abbrev), name) ||
+            EqualsIgnoreCase("Part of " + Trim(state.Parts[i].Name), name)) {
+          ref.PointType = kArabicPartType;
+          ref.Item1 = static_cast<uint8_t>(i + 1);
+          found = i + 1 <= 255;
+        }
+      // A part name that starts the same ("Fortune" for "Fortune (day)").
+      for (size_t i = 0; i < state.Parts.size() && !found; ++i)
+        if (StartsWithIgnoreCase(Trim(state.Parts[i].Name), name)) {
+          ref.PointType = kArabicPartType;
+          ref.Item1 = static_cast<uint8_t>(i + 1);
+          found = i + 1 <= 255;
+        }
+    } else {
+      for (size_t i = 0; i < state.Almutens.size() && !found; ++i)
+        if (EqualsIgnoreCase(Trim(state.Almutens[i].Name), name) ||
+            EqualsIgnoreCase(Trim(state.Almutens[i].ShortName), name)) {
+          ref.PointType = kChartAlmutenType;
+          ref.Item1 = static_cast<uint8_t>(i + 1);
+          found = i + 1 <= 255;
+        }
+    }
+    if (!found) {
+      s.ShowMessage("There is no point named \"" + name + "\".", kIconExclamation, "Unknown Point");
+      return false;
+    }
+    ref.Transform = transform;
+    return AddPoint(s, state.Selected, ref) >= 0 || state.Selected.size() < kMaxSelectedPoints;
+  };
+  for (const auto& n : a.points)
+    if (!add(FromArg(n), kChartPointType)) return false;
+  for (const auto& n : a.parts)
+    if (!add(FromArg(n), kArabicPartType)) return false;
+  for (const auto& n : a.almutens)
+    if (!add(FromArg(n), kChartAlmutenType)) return false;
+  return true;
+}
+
+nlohmann::json PointsJson(const Session& s, const ResearchState& state) {
+  nlohmann::json list = nlohmann::json::array();
+  for (const PointRef& r : state.Selected)
+    list.push_back({{"name", J(PointName(s, state, r))},
+                    {"type", r.PointType},
+                    {"item1", r.Item1},
+                    {"item2", r.Item2},
+                    {"position", r.Position},
+                    {"transform", r.Transform}});
+  return {{"points", list},
+          {"partsFile", JPath(state.Header.PartsFile)},
+          {"almutenFile", JPath(state.Header.AlmutenFile)}};
+}
+
+int RunPoints(Context& ctx, const std::string& action, const std::string& file, PointArgs a) {
+  Session& s = ctx.session;
+  ResearchState state;
+  auto fail = [&] {
+    if (ctx.json) ctx.PrintJson({{"failed", true}});
+    return kExitFailed;
+  };
+  if ((action == "load" || action == "add") && file.empty()) {
+    s.ShowMessage("Name the point list file (.vpt).", kIconExclamation, "Vintar");
+    return fail();
+  }
+  if (action == "load" || (action == "add" && FileExists(file))) a.list = file;
+  if (action == "save" && file.empty()) {
+    s.ShowMessage("Name the point list file (.vpt) to save.", kIconExclamation, "Vintar");
+    return fail();
+  }
+  if (!ComposePoints(ctx, state, a)) return fail();
+  if ((action == "save" || action == "add") && !SavePointList(s, file, state)) return fail();
+  if (ctx.json) {
+    nlohmann::json body = PointsJson(s, state);
+    if (!file.empty()) body["file"] = JPath(file);
+    ctx.PrintJson(body);
+  } else {
+    int n = 0;
+    for (const PointRef& r : state.Selected) std::cout << ++n << ") " << ForTerminal(PointName(s, state, r)) << "\n";
+    if (state.Selected.empty()) std::cout << "No points selected.\n";
+    if (action == "save" || action == "add") std::cout << "Saved " << DisplayText(file) << "\n";
+  }
+  return kExitOk;
+}
+
+struct TabArgs {
+  std::string project;
+  PointArgs points;
+  int dataType = 0;
+  int division = -1;
+  double harmonic = 1;
+  int cells = 12;
+  std::string anchor;
+  double orb = 0;
+  std::string rulers = "new";
+  int inexact = 0;
+  int style = 0;
+  std::string out;
+};
+
+void AddTabOptions(CLI::App* cmd, TabArgs& a) {
+  cmd->add_option("project", a.project, "The project (.dat)")->required();
+  cmd->add_option("--points", a.points.list, "A point list (.vpt)");
+  AddPointOptions(cmd, a.points);
+  cmd->add_option("--data-type", a.dataType, "0 zodiac, 1 houses, 2 phases and aspects, 3 dignities, 4 harmonic "
+                                             "components, 5 latitude, 6 diurnal arc, 7 right ascension, "
+                                             "8 declination, 9 azimuth, 10 altitude, 11 natal details")
+      ->check(CLI::Range(0, 11));
+  cmd->add_option("--division", a.division, "The division code (the data type's first code when not given)");
+  cmd->add_option("--harmonic", a.harmonic, "Harmonic (codes 8, 12, 51, 601, 701)");
+  cmd->add_option("--cells", a.cells, "Number of divisions of the user-defined codes");
+  cmd->add_option("--anchor", a.anchor,
+                  "Anchor point (12, 52, 601, 701), aspect orb (50, 51), range (402) or century (901)");
+  cmd->add_option("--orb", a.orb, "Aspect orb (50, 51) or range (402) in degrees");
+  cmd->add_option("--rulers", a.rulers, "new (Modern) or old (Ancient)")
+      ->check(CLI::IsMember({"new", "old"}, CLI::ignore_case));
+  cmd->add_option("--inexact", a.inexact,
+                  "Charts without a full time: 0 exclude only ambiguous points, 1 use the median time, "
+                  "2 exclude them")
+      ->check(CLI::Range(0, 2));
+  cmd->add_option("--style", a.style, "0 raw counts, 1 proportion of total, 2 % of total, 3 proportion of "
+                                      "average, 4 % of average")
+      ->check(CLI::Range(0, 4));
+}
+
+// Builds the run's parameters from the arguments with the screen's checks.
+bool TabParams(Context& ctx, TabArgs& a, ResearchState& state, TabulateParams& p) {
+  Session& s = ctx.session;
+  if (!ComposePoints(ctx, state, a.points)) return false;
+  p.DataType = a.dataType;
+  p.Code = a.division >= 0 ? a.division : DataTypeOf(a.dataType).FirstCode;
+  p.Harmonic = a.harmonic;
+  p.UserDivisions = a.cells;
+  const DivisionControls controls = ControlsFor(p.DataType, p.Code);
+  std::string anchor = a.anchor.empty() ? controls.AnchorDefault : a.anchor;
+  if (anchor.empty()) anchor = "0";
+  char* end = nullptr;
+  p.Anchor = std::strtod(anchor.c_str(), &end);
+  if (end == anchor.c_str()) {
+    bool failed = false;
+    float angle = 0;
+    ParseAngle(s, anchor, angle, failed);
+    if (failed) return false;
+    p.Anchor = angle;
+  }
+  p.Orb = a.orb > 0 ? a.orb : ((p.Code == 50 || p.Code == 51 || p.Code == 402) ? p.Anchor : 0.0);
+  p.Scheme = EqualsIgnoreCase(a.rulers, "old") ? kAncientDayScheme : kModernScheme;
+  p.InexactOption = controls.ForcedInexact >= 0 ? controls.ForcedInexact : a.inexact;
+  if (!controls.InexactEnabled[p.InexactOption]) p.InexactOption = 2;
+  p.Points = state.Selected;
+  return CheckWholeDegreeHarmonic(s, p) && CheckTabulateParams(s, p);
+}
+
+std::string Fixed(double v, int decimals) {
+  std::ostringstream t;
+  t << std::fixed << std::setprecision(decimals) << v;
+  return t.str();
+}
+
+// The usual goodness of fit of a column against an even spread over the
+// real cells.
+struct Fit {
+  double Chi = 0;
+  int Dof = 0;
+  double P = 1;
+  bool Valid = false;
+};
+Fit GoodnessOfFit(const TabulationRun& run, int column) {
+  Fit f;
+  double total = 0;
+  for (int c = 1; c <= run.UsedCells; ++c) total += run.At(c, column);
+  if (run.UsedCells < 2 || total <= 0) return f;
+  const double expected = total / run.UsedCells;
+  for (int c = 1; c <= run.UsedCells; ++c) f.Chi += std::pow(run.At(c, column) - expected, 2) / expected;
+  f.Dof = run.UsedCells - 1;
+  f.P = ChiSquareProbability(f.Chi, f.Dof);
+  f.Valid = true;
+  return f;
+}
+
+bool Fourier(const TabulationRun& run) { return run.Params.DataType == kHarmonicData; }
+
+nlohmann::json RunJson(const Session& s, const TabulationRun& run) {
+  nlohmann::json columns = nlohmann::json::array();
+  for (int c = 1; c <= run.ColumnCount; ++c) columns.push_back(J(run.ColumnNames[c]));
+  const int all = run.ColumnCount + 1, totalRow = run.CellCount + 1;
+  const double grand = run.At(totalRow, all);
+  nlohmann::json cells = nlohmann::json::array();
+  for (int cell = 1; cell <= run.CellCount; ++cell) {
+    nlohmann::json counts = nlohmann::json::array();
+    for (int c = 1; c <= run.ColumnCount; ++c) counts.push_back(run.At(cell, c));
+    const double expected = run.CellCount > 0 ? grand / run.CellCount : 0;
+    nlohmann::json j{{"n", cell},
+                     {"name", J(CellName(s, run, cell, false))},
+                     {"counts", counts},
+                     {"total", run.At(cell, all)}};
+    if (!Fourier(run)) {
+      j["expected"] = expected;
+      j["ratio"] = expected > 0 ? run.At(cell, all) / expected : 0.0;
+    }
+    cells.push_back(j);
+  }
+  nlohmann::json stats = nlohmann::json::array();
+  for (int c = 1; c <= all; ++c) {
+    nlohmann::json col{{"column", c <= run.ColumnCount ? J(run.ColumnNames[c]) : nlohmann::json("TOTAL")},
+                       {"total", run.At(totalRow, c)}};
+    if (!Fourier(run)) {
+      const Fit f = GoodnessOfFit(run, c);
+      col["chiSquare"] = f.Chi, col["dof"] = f.Dof, col["pValue"] = f.P;
+    }
+    const ColumnTest t = PeakTest(run, c);
+    if (t.Shown) {
+      const ColumnStatistics st = ColumnStats(run, c, false);
+      col["peak"] = {{"cell", st.PeakCell},
+                     {"name", J(CellName(s, run, st.PeakCell, false))},
+                     {"count", st.PeakValue},
+                     {"average", st.Average},
+                     {"tooSparse", t.TooSparse},
+                     {"chiSquare", t.Chi},
+                     {"dof", t.Degrees},
+                     {"oneIn", t.OneIn}};
+    }
+    nlohmann::json block = nlohmann::json::array();
+    for (const auto& line : StatisticsBlock(s, run, c)) block.push_back(J(line));
+    col["block"] = block;
+    stats.push_back(col);
+  }
+  const Fit top = GoodnessOfFit(run, run.ColumnCount == 1 ? 1 : all);
+  nlohmann::json body{{"dataType", run.Params.DataType},
+                      {"division", run.Params.Code},
+                      {"divisionName", J(s.vocab.DivisionName.size() > static_cast<size_t>(run.Params.Code)
+                                             ? s.vocab.DivisionName[run.Params.Code]
+                                             : "")},
+                      {"cellCount", run.CellCount},
+                      {"usedCells", run.UsedCells},
+                      {"columns", columns},
+                      {"cells", cells},
+                      {"statistics", stats},
+                      {"charts",
+                       {{"read", run.ChartsRead},
+                        {"used", run.ChartsUsed},
+                        {"skipped",
+                         {{"disabled", run.SkippedDisabled},
+                          {"inexact", run.SkippedInexact},
+                          {"noPosition", run.SkippedNoPosition}}},
+                        {"ambiguousPoints", run.AmbiguousPoints}}},
+                      {"cancelled", run.Cancelled}};
+  if (!Fourier(run)) {
+    body["chiSquare"] = top.Chi;
+    body["dof"] = top.Dof;
+    body["pValue"] = top.P;
+  }
+  return body;
+}
+
+std::string RunText(const Session& s, const TabulationRun& run, int style) {
+  std::ostringstream t;
+  const std::string division =
+      s.vocab.DivisionName.size() > static_cast<size_t>(run.Params.Code) ? s.vocab.DivisionName[run.Params.Code] : "";
+  t << "Tabulation: " << DataTypeOf(run.Params.DataType).InternalName << ", " << ForTerminal(division) << " ("
+    << run.CellCount << " cells)\n";
+  t << "Charts: " << run.ChartsUsed << " used of " << run.ChartsRead << " read";
+  if (run.SkippedDisabled) t << ", " << run.SkippedDisabled << " disabled";
+  if (run.SkippedInexact) t << ", " << run.SkippedInexact << " skipped for inexact time";
+  if (run.SkippedNoPosition) t << ", " << run.SkippedNoPosition << " without positions";
+  if (run.AmbiguousPoints) t << ", " << run.AmbiguousPoints << " ambiguous points left out";
+  t << "\n\n";
+  const std::vector<std::string> heads = DisplayPoints(run);
+  const int all = run.ColumnCount + 1, totalRow = run.CellCount + 1;
+  size_t width = 8;
+  for (int cell = 1; cell <= run.CellCount; ++cell) width = std::max(width, CellName(s, run, cell, false).size() + 2);
+  t << std::left << std::setw(static_cast<int>(width)) << "Cell";
+  for (const auto& h : heads) t << std::right << std::setw(std::max<int>(10, static_cast<int>(h.size()) + 2)) << ForTerminal(h);
+  if (!Fourier(run)) t << std::setw(10) << "Expected" << std::setw(8) << "Ratio";
+  t << "\n";
+  const double grand = run.At(totalRow, all);
+  auto row = [&](int cell, const std::string& name) {
+    t << std::left << std::setw(static_cast<int>(width)) << ForTerminal(name);
+    for (int c = 1; c <= all; ++c) {
+      const std::string& h = heads[c - 1];
+      t << std::right << std::setw(std::max<int>(10, static_cast<int>(h.size()) + 2)) << FormatStyled(run, cell, c, style);
+    }
+    if (!Fourier(run) && cell <= run.CellCount) {
+      const double expected = grand / run.CellCount;
+      t << std::setw(10) << Fixed(expected, 2) << std::setw(8) << Fixed(expected > 0 ? run.At(cell, all) / expected : 0, 2);
+    }
+    t << "\n";
+  };
+  for (int cell = 1; cell <= run.CellCount; ++cell) row(cell, CellName(s, run, cell, false));
+  row(totalRow, "TOTAL");
+  t << "\n";
+  for (int c = 1; c <= all; ++c) {
+    const std::vector<std::string> block = StatisticsBlock(s, run, c);
+    const Fit f = Fourier(run) ? Fit{} : GoodnessOfFit(run, c);
+    if (block.empty() && !f.Valid) continue;
+    t << ForTerminal(heads[c - 1]) << ":";
+    for (const auto& line : block) t << "  " << ForTerminal(line);
+    if (f.Valid)
+      t << "\n  goodness of fit over " << run.UsedCells << " cells: chi-square " << Fixed(f.Chi, 2) << ", " << f.Dof
+        << " degrees of freedom, p = " << (f.P < 0.0001 ? Fixed(f.P * 1e6, 2) + "e-6" : Fixed(f.P, 4));
+    t << "\n";
+  }
+  return t.str();
+}
+
+int RunTabulate(Context& ctx, TabArgs& a, bool exportOnly) {
+  Session& s = ctx.session;
+  auto fail = [&] {
+    if (ctx.json) ctx.PrintJson({{"failed", true}});
+    return kExitFailed;
+  };
+  if (!OpenProjectForCommand(ctx, a.project)) return kExitFailed;
+  ResearchState state;
+  TabulateParams p;
+  if (!TabParams(ctx, a, state, p)) return fail();
+  TerminalProgress progress(ctx);
+  TabulationRun run = TabulateRun(s, state, p, &progress);
+  if (run.Failed || run.Cancelled) return fail();
+  if (exportOnly) {
+    if (!SaveTabulation(s, run, a.style, a.out)) return fail();
+    if (ctx.json) ctx.PrintJson({{"file", JPath(a.out)}, {"cells", run.CellCount}, {"columns", run.ColumnCount}});
+    else std::cout << "Saved " << DisplayText(a.out) << "\n";
+    return kExitOk;
+  }
+  if (ctx.json) ctx.PrintJson(RunJson(s, run));
+  else std::cout << RunText(s, run, a.style);
+  return kExitOk;
+}
+
+}  // namespace
+
+void AddResearchCommands(CLI::App& app, Context& ctx, Action& action) {
+  CLI::App* research = app.add_subcommand("research", "Tabulate points over the charts of a project");
+  research->require_subcommand(1);
+
+  auto* points = research->add_subcommand("points", "Compose, show, save and load point lists (.vpt)");
+  auto pa = std::make_shared<PointArgs>();
+  auto pAction = std::make_shared<std::string>("show");
+  auto pFile = std::make_shared<std::string>();
+  points->add_option("action", *pAction, "show, add, save or load")
+      ->check(CLI::IsMember({"show", "add", "save", "load"}));
+  points->add_option("file", *pFile, "The point list file (.vpt)");
+  points->add_option("--points", pa->list, "Start from this point list (.vpt)");
+  AddPointOptions(points, *pa);
+  points->callback([&ctx, &action, pa, pAction, pFile] {
+    action = [&ctx, pa, pAction, pFile] { return RunPoints(ctx, *pAction, *pFile, *pa); };
+  });
+
+  auto* tab = research->add_subcommand("tabulate", "Count where the points fall over the project's charts");
+  auto ta = std::make_shared<TabArgs>();
+  AddTabOptions(tab, *ta);
+  tab->callback([&ctx, &action, ta] { action = [&ctx, ta] { return RunTabulate(ctx, *ta, false); }; });
+
+  auto* exp = research->add_subcommand("export", "Save a tabulation as tab-separated text");
+  auto ea = std::make_shared<TabArgs>();
+  AddTabOptions(exp, *ea);
+  exp->add_option("--out", ea->out, "The file to write")->required();
+  exp->callback([&ctx, &action, ea] { action = [&ctx, ea] { return RunTabulate(ctx, *ea, true); }; });
+}
+
+}  // namespace vintar::cli
