@@ -5,8 +5,24 @@
 //
 // Counts are the floats of the tally; probabilities are those of the
 // program's own series (even degrees of freedom exactly, odd ones by
-// logarithmic interpolation). Checked against hand-computed cases in
+// logarithmic interpolation). Angles and ranges in cell labels are degrees
+// of the data type's own coordinate. Checked against hand-computed cases in
 // tests/research/results_test.cpp.
+//
+// The text of a run (TabulationText), single-byte, CR LF line ends:
+//   one "Label<TAB>value" line for each of "Zodiac:", "Houses:", "Coords:",
+//   "Node Type:", "Divisions of:", "Division Type:", "No. Divisions:",
+//   "Harmonic:", "Modulus:", "Aspect:", "Aspect Orb:", "Angle Range:",
+//   "Anchor Point:", "Total Charts", "Points Used:", in that order, with
+//   "n/a" where the run has no such value (houses only for house divisions;
+//   harmonic and modulus for codes 8, 12, 51, 601, 701; the aspect angle for
+//   51; the orb for 50 and 51; the range for 402; the anchor for 12, 52, 601,
+//   701 and "Century 20" for 901); angles as degrees and minutes (5°00');
+//   an empty line;
+//   the heading row: the division name, each column's name, "TOTAL ";
+//   one row per cell 1..CellCount: CellName, each column, the TOTAL column;
+//   the "TOTAL" row of the column totals.
+// Cells are separated by a tab; values are those of FormatStyled.
 #pragma once
 
 #include <string>
@@ -19,15 +35,19 @@ namespace vintar {
 
 // Data type 4 only: replaces the 361 degree rows of each column by the 60
 // harmonic amplitudes (codes 300, 302) or phase angles (301, 303), with the
-// charts' count in row 61, and sets CellCount and UsedCells to 60.
+// charts' count in row 61, and sets CellCount and UsedCells to 60. The
+// degree rows 1 to 360 and their count in row 361 are read; the table is
+// left with 62 rows. A cancel marks the run Cancelled and leaves the
+// columns not yet reached at 0 (their counts still in row 61).
 void FourierStep(TabulationRun& run, Progress* progress = nullptr);
 
 // Styles of TabStyles: 0 "Raw Counts", 1 "Proportion of Tot", 2 "% of
 // Total", 3 "Proportion of Avg", 4 "% of Average".
 inline constexpr int kTabStyles = 5;
 double StyledValue(const TabulationRun& run, int cell, int column, int style);
-// The value as the table shows it: "12", "0.083", "8.3%". `totalRow` uses
-// the totals' formats ("0.00" for styles other than 0, multiplier 1).
+// The value as the table shows it: "12", "0.083", "8.3%". The totals row
+// (cell CellCount + 1) has the multiplier 1 and the format "0.00" in every
+// style but 0. A column total of 0 gives 0 in every style.
 std::string FormatStyled(const TabulationRun& run, int cell, int column, int style);
 
 struct ColumnStatistics {
@@ -37,7 +57,8 @@ struct ColumnStatistics {
 };
 ColumnStatistics ColumnStats(const TabulationRun& run, int column, bool ignoreLow);
 
-// The probability of a chi-square value with `degrees` degrees of freedom.
+// The probability of a chi-square value with `degrees` degrees of freedom;
+// never below 1E-10. Fewer than one degree of freedom gives 1.
 double ChiSquareProbability(double chi, int degrees);
 
 // The one-cell test of a column's most deviant cell against the mean.
@@ -52,7 +73,9 @@ struct ColumnTest {
 };
 bool ChiSquareApplies(const TabulationRun& run);
 ColumnTest PeakTest(const TabulationRun& run, int column);
-// The same for one cell (the floating label over a bar).
+// The same for one cell (the floating label over a bar). For the harmonic
+// aspect (code 51) the expected count is scaled by harmonic * orb * 2 / 360,
+// the share of the circle its orbs cover, and the test is shown too.
 ColumnTest CellTest(const TabulationRun& run, int cell, int column);
 
 // The statistics block of a column as lines ("Avg Count = 8.33", "Division
@@ -61,11 +84,20 @@ ColumnTest CellTest(const TabulationRun& run, int cell, int column);
 std::vector<std::string> StatisticsBlock(const Session& session, const TabulationRun& run, int column);
 
 // The label of a cell of a code under the run's parameters ("Aries",
-// "Leo 10-20", "Conjunction", "3rd House", "Mars", "H5", "None").
+// "Leo 10-20", "Conjunction", "3rd House", "Mars", "H5", "None"). Numeric
+// divisions name their range in the coordinate's degrees ("30-60",
+// "-10 to 0"), latitude and longitude bands their sides ("5S-5N",
+// "165W-175W"), years their inclusive span ("1900-1909"), hours
+// "07:00-08:00", Gauquelin sectors their own numbers counted from the
+// rising point ("Sector 1"). `forPrint` gives the narrow form of the
+// printed table: sign and planet names abbreviated ("Le 10-20", "Mar");
+// everything else is the same. Empty for a cell out of 1..CellCount.
 std::string CellName(const Session& session, const TabulationRun& run, int cell, bool forPrint);
 
-// Column headings: the point names (pairs for data type 2, "Natal" for 11)
-// and the last entry "TOTAL".
+// Column headings, entry i for column i + 1: the point names and the last
+// entry `last`; for data type 2 the pairs "A/B" (built from the point names
+// when ColumnNames holds the points rather than the pairs) and "All Points";
+// for data type 11 the single entry "Natal".
 std::vector<std::string> DisplayPoints(const TabulationRun& run, const std::string& last = "TOTAL");
 
 // The text of a run: a heading block with the run's parameters, then the

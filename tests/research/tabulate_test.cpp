@@ -148,3 +148,93 @@ TEST(Tabulate, ScreenChecksSpeakBeforeARun) {
 
 }  // namespace
 }  // namespace vintar
+
+namespace vintar {
+namespace {
+
+// Eight charts at Greenwich whose Sun signs are known from the almanac:
+// five with a full time, one disabled, and two with the date alone, one of
+// them the day of the 1990 equinox (20 March, 21:19 UT), when a day either
+// side of noon puts the Sun in Pisces at the start and Aries at the end.
+class TabulateProject : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ProjectState& p = t.session.project;
+    p.ProjectPath = t.dir.file("signs.dat");
+    p.Events.assign(101, EventRecord{});
+    const int dates[8][4] = {{1990, 1, 15, 3}, {1990, 4, 15, 3}, {1990, 7, 15, 3}, {1990, 10, 15, 3},
+                             {1991, 4, 10, 3}, {1990, 5, 15, 3}, {1990, 3, 20, 0}, {1990, 6, 10, 0}};
+    for (int n = 1; n <= 8; ++n) {
+      EventRecord& e = p.Events[n];
+      e.Description = "Chart " + std::to_string(n);
+      e.Year = static_cast<int16_t>(dates[n - 1][0]);
+      e.Month = static_cast<uint8_t>(dates[n - 1][1]);
+      e.Day = static_cast<uint8_t>(dates[n - 1][2]);
+      e.DetailLevel = static_cast<uint8_t>(dates[n - 1][3]);
+      e.Hour = 12;
+      e.Latitude = 51.5f;
+      e.Enabled = n == 6 ? kFalse : kTrue;
+    }
+    p.Header.RecordCount = 8;
+    p.Open = true;
+  }
+
+  TabulationRun Run(int inexact, const FilterBlock& filter = {}, std::vector<int>* extracted = nullptr) {
+    TabulateParams params;
+    params.DataType = kLongitudeData;
+    params.Code = 0;
+    params.InexactOption = inexact;
+    params.Points = {PointRef{kChartPointType, kSun, 0, 0, 0}, PointRef{kChartPointType, kAscendant, 0, 0, 0}};
+    return TabulateRun(t.session, state, params, nullptr, filter, [&](int n) {
+      if (extracted) extracted->push_back(n);
+    });
+  }
+
+  testing::TestSession t;
+  ResearchState state;
+};
+
+TEST_F(TabulateProject, CountsSunSignsUnderEachInexactRule) {
+  struct Expect {
+    int option;
+    std::array<int, 13> sun;  // by sign
+    int ambiguous, skipped;
+  };
+  const std::vector<Expect> table = {
+      // Exclude only ambiguous points: the equinox chart's Sun is left out.
+      {0, {0, 2, 0, 1, 1, 0, 0, 1, 0, 0, 1, 0, 0}, 1, 0},
+      // The median time, noon of 20 March, still has the Sun in Pisces.
+      {1, {0, 2, 0, 1, 1, 0, 0, 1, 0, 0, 1, 0, 1}, 0, 0},
+      // Exclude every inexact chart.
+      {2, {0, 2, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0}, 0, 2},
+  };
+  for (const auto& x : table) {
+    const TabulationRun run = Run(x.option);
+    ASSERT_FALSE(run.Failed);
+    ASSERT_EQ(run.CellCount, 12);
+    ASSERT_EQ(run.ColumnCount, 2);
+    int total = 0;
+    for (int sign = 1; sign <= 12; ++sign) {
+      EXPECT_EQ(run.At(sign, 1), x.sun[sign]) << "option " << x.option << " sign " << sign;
+      total += x.sun[sign];
+    }
+    EXPECT_EQ(run.At(13, 1), total) << x.option;
+    // Only the five charts with time and place have an Ascendant.
+    EXPECT_EQ(run.At(13, 2), 5) << x.option;
+    EXPECT_EQ(run.At(13, 3), total + 5) << x.option;
+    EXPECT_EQ(run.AmbiguousPoints, x.ambiguous) << x.option;
+    EXPECT_EQ(run.SkippedInexact, x.skipped) << x.option;
+    EXPECT_EQ(run.SkippedDisabled, 1);
+  }
+}
+
+TEST_F(TabulateProject, FilterModeNamesEachRecordOnce) {
+  std::vector<int> extracted;
+  FilterBlock block{true, 1, 1, 1, 1};  // the Sun in Aries
+  const TabulationRun run = Run(0, block, &extracted);
+  EXPECT_EQ(extracted, (std::vector<int>{2, 5}));
+  EXPECT_EQ(run.At(1, 1), 0);  // filter mode counts nothing
+}
+
+}  // namespace
+}  // namespace vintar
