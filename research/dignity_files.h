@@ -112,6 +112,8 @@ std::vector<PartDef> ParseParts(const std::string& text, int nodePoint, std::str
 std::string FormatRulerSet(const RulerSet& set);      // 163 bytes, codes in file numbering
 std::string FormatPartsFile(const std::vector<PartDef>& parts);  // CR LF, quoted names, file point codes
 std::string FormatAlmutens(const std::vector<AlmutenDef>& defs);
+std::string FormatTriplicities(const std::array<std::array<int, 9>, 5>& rows);  // 36 bytes
+std::string FormatDegreeDignities(const std::array<DegreeDignity, 361>& degrees);  // 1800 bytes
 // A chart point number in the files' numbering (the inverse of FilePointCode).
 int PointFileCode(int point);
 
@@ -125,6 +127,7 @@ struct DignityData {
   std::array<DegreeDignity, 361> Degrees{};  // 1..360
   AlmutenDef DegreeAlmutenDef;               // first record of house.alm
   bool HaveDegreeAlmutenDef = false;
+  std::string ShownError;  // the last load error told, so that a retry per chart tells it once
 };
 
 // Where a dignity data file is read from: the user data folder when it has
@@ -133,9 +136,11 @@ std::string DignityFilePath(const Session& session, const std::string& name);
 
 // Loads house.alm, rulers2.fil, tripdig2.fil and degdig2.fil once. `failed`
 // is -1 when a file could not be opened or read (the next call tries again;
-// the tables keep what they hold) and 0 after a full load; a second call
-// after a full load returns at once with `failed` untouched. A corrupt file
-// (a point code of 37 or more) is told through ShowMessage.
+// the tables keep what they hold, a corrupt file the records before the
+// fault) and 0 after a full load; a second call after a full load returns at
+// once with `failed` untouched. A missing file is not told; a corrupt one (a
+// point code of 37 or more, a short triplicity or degree file) is told
+// through ShowMessage, once for the same fault.
 void LoadDignityData(Session& session, DignityData& data, int16_t& failed);
 
 // The ruler set's entry for a sign (0 when the set index is out of range).
@@ -159,18 +164,36 @@ bool SlotIsDay(const Session& session, int slot);
 // The almuten of a degree: candidates sorted by score, highest first, and
 // how many groups of equal score they form. Empty when the tables hold no
 // ruler set.
+//
+// A point can score when the ruler set, the triplicity rulers of the chosen
+// scheme and sect or the chosen term table names it anywhere (the node
+// aside). Slot weights: 1 ruler, 2 exaltation, 3 triplicity, 6 term, 7 face,
+// 8 detriment, 9 fall. Each candidate is also tested at its own place: when
+// it holds ruler, exaltation, triplicity, term or face there, it gains
+// Weights[10..14] and, with the matching KnockOut flag, loses its mark of
+// essential dignity at the target.
 struct AlmutenScores {
   std::vector<int> Planets;  // point numbers, best first
   std::vector<int> Scores;
-  std::vector<std::string> Marks;  // ChartAlmuten only: per candidate, one mark per item
+  // ChartAlmuten only: per candidate, one character per nonzero item of
+  // def.Points, the character of "+++  ++--" at the first slot holding the
+  // candidate ('+' dignity, '-' detriment or fall), blank when it holds none
+  // or its dignity there was knocked out.
+  std::vector<std::string> Marks;
   int Groups = 0;
 };
 AlmutenScores DegreeAlmuten(const Session& session, int slot, const DignityData& data, double longitude,
                             const AlmutenDef& def);
 
-// The almuten of a chart over the items of def.Points. `itemLongitude`
-// gives the longitude of an item (1..99 file point codes, 101..108,
-// 201..212 cusps in def.HouseSystem, 301..999 parts); negative for none.
+// The almuten of a chart over the items of def.Points (weight * 1000 +
+// item: the item's score counts weight times, a weight of 0 once). Items 1
+// to 99 and 101, 102 are resolved here from the slot: a file point code through FilePointCode, 25 the point
+// opposite the session's node, 26 the Part of Fortune (Ascendant + Moon - Sun
+// by day or with ForceDayFortune, else Ascendant - Moon + Sun), 101 and 102
+// the Descendant and the lower Midheaven. `itemLongitude` gives the rest
+// (103..108 prenatal, 201..212 cusps in def.HouseSystem, 301..999 parts),
+// negative for none; it may be empty. An item without a longitude is
+// skipped. The day ruler gains Weights[15] and the hour ruler Weights[16].
 // Empty when the definition's sect rule excludes the chart.
 AlmutenScores ChartAlmuten(const Session& session, int slot, const DignityData& data, const AlmutenDef& def,
                            const std::function<double(int item)>& itemLongitude);
