@@ -18,15 +18,18 @@
 // culminates at 270, sets at 180 and passes the lower meridian at 90, each
 // quarter scaled by its own semi-arc. Gauquelin numbers his sectors with the
 // diurnal motion from the rising point, 1 to 18 (of 36) above the horizon;
-// so sector s of 36 is v in [360 - 10 s, 370 - 10 s), the 36-sector
+// his fractional sector g is v = 370 - 10 g, so sector s of 36 is v in
+// (360 - 10 s, 370 - 10 s]. Apart from the boundaries the 36-sector
 // division's cell c (code 504, Int(v / 10) + 1) is Gauquelin sector 37 - c,
 // and the 12-sector cell c (code 502) is sector 13 - c. His key sectors
 // after rising and after culmination (1-3 and 10-12 of 36) are the cells
 // 34-36 and 25-27 of code 504.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "calc/cache.h"
@@ -87,6 +90,8 @@ struct ResearchState {
   std::vector<AlmutenDef> Almutens;  // Item1 n is Almutens[n - 1]
   std::string AlmutenFileName;
   int Scheme = 1;  // DignityScheme: 1 Modern, 2 Ancient day, 3 Ancient night
+  // Parts files named by almuten definitions, read once: (path, parts).
+  std::vector<std::pair<std::string, std::vector<PartDef>>> AlmutenParts;
 };
 
 // Display name: "Mars", "Sun/Moon", "10th House Cusp", a part's name,
@@ -131,16 +136,35 @@ bool PointByName(const Session& session, const ResearchState& state, const std::
 // The transformation named in cmbTransformations ("Ruler (New)"), -1 for none.
 int TransformByName(const Session& session, const std::string& name);
 
-// One chart under evaluation: the slot holding it and its per-chart flags.
+// The last moment before `jd` (backward) or the first after it when the
+// elongation Moon - Sun reached `target` (mod 180 with `syzygy`, else mod
+// 360). `elongation` negative means compute it at jd. Uses slot 6. `jd` is
+// handed to the ephemeris as it stands, the chart's own time scale; Moon and
+// Sun carry the sidereal offset and are -1 when the ephemeris failed.
+struct PrenatalResult {
+  double JD = 0, Moon = -1, Sun = -1;
+};
+
+// One chart under evaluation: the slot holding it and its per-chart flags,
+// with what was found for it once and is read again by later points.
 struct ResearchChart {
   int Slot = kResearchSlot;
-  bool IsDay = false;
+  bool IsDay = false;     // the sect, set by whoever loads the chart
   bool NoHouses = false;  // DetailLevel below 3
   bool CuspsCast = false;
   bool EquatorialDone = false, HorizonDone = false, DiurnalDone = false;
+  // Prenatal lunations: [0] the last syzygy, [1 + q] the last moment the
+  // elongation was q * 90 degrees (so [1] the new moon, [3] the full moon).
+  std::array<PrenatalResult, 5> Prenatal{};
+  std::array<bool, 5> PrenatalDone{};
+  // Cusps in a chart almuten's own house system, beside the slot's own.
+  int AlmutenHouseSystem = -1;
+  std::array<double, 13> AlmutenCusps{};
   void NewChart(bool noHouses) {
     NoHouses = noHouses;
     CuspsCast = EquatorialDone = HorizonDone = DiurnalDone = false;
+    PrenatalDone = {};
+    AlmutenHouseSystem = -1;
   }
 };
 
@@ -148,12 +172,6 @@ struct ResearchChart {
 // obliquity and latitude, once per chart.
 void EnsureCusps(Session& session, ResearchChart& chart);
 
-// The last moment before `jd` (backward) or the first after it when the
-// elongation Moon - Sun reached `target` (mod 180 with `syzygy`, else mod
-// 360). `elongation` negative means compute it at jd. Uses slot 6.
-struct PrenatalResult {
-  double JD = 0, Moon = 0, Sun = 0;
-};
 PrenatalResult PrenatalSearch(Session& session, double jd, double elongation, double target, bool backward,
                               bool syzygy);
 
@@ -176,7 +194,9 @@ void FillDiurnal(const Session& session, ResearchChart& chart, std::vector<Point
 
 // The single-value forms behind them. `longitude` and `latitude` are
 // tropical ecliptic degrees; ramc, obliquity and geographic latitude in
-// degrees; the diurnal position is -1 for a circumpolar point.
+// degrees; the azimuth runs from the north through the east (the library's
+// south-based westward azimuth plus 180); the diurnal position is -1 for a
+// circumpolar point.
 void EclipticToEquatorial(double longitude, double latitude, double obliquity, double& ra, double& declination);
 void EquatorialToHorizon(double ra, double declination, double ramc, double geoLatitude, double& azimuth,
                          double& altitude);
