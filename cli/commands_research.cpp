@@ -84,27 +84,45 @@ bool ComposePoints(Context& ctx, ResearchState& state, const PointArgs& a) {
     if (type == kChartPointType) {
       found = PointByName(s, state, name, ref);
     } else if (type == kArabicPartType) {
-      for (size_t i = 0; i < state.Parts.size() && !found; ++i)
-        if (EqualsIgnoreCase(Trim(state.Parts[i].Name), name) || EqualsIgnoreCase(Trim(state.Parts[i].Abbrev), name) ||
-            EqualsIgnoreCase("Part of " + Trim(state.Parts[i].Name), name)) {
-          ref.PointType = kArabicPartType;
-          ref.Item1 = static_cast<uint8_t>(i + 1);
-          found = i + 1 <= 255;
-        }
-      // A part name that starts the same ("Fortune" for "Fortune (day)").
-      for (size_t i = 0; i < state.Parts.size() && !found; ++i)
-        if (StartsWithIgnoreCase(Trim(state.Parts[i].Name), name)) {
-          ref.PointType = kArabicPartType;
-          ref.Item1 = static_cast<uint8_t>(i + 1);
-          found = i + 1 <= 255;
-        }
+      // A part by its name, with or without "Part of ", or its abbreviation;
+      // else every part whose name starts so ("Spirit" gives the day and
+      // the night forms).
+      auto bare = [](const std::string& n) {
+        const std::string t = Trim(n);
+        return StartsWithIgnoreCase(t, "Part of ") ? t.substr(8) : t;
+      };
+      std::vector<size_t> matches;
+      for (size_t i = 0; i < state.Parts.size(); ++i)
+        if (EqualsIgnoreCase(bare(state.Parts[i].Name), bare(name)) ||
+            EqualsIgnoreCase(Trim(state.Parts[i].Abbrev), name))
+          matches.push_back(i);
+      if (matches.empty())
+        for (size_t i = 0; i < state.Parts.size(); ++i)
+          if (StartsWithIgnoreCase(bare(state.Parts[i].Name), bare(name))) matches.push_back(i);
+      if (matches.empty() || matches.back() >= 255) {
+        s.ShowMessage("There is no part named \"" + name + "\" in " + state.PartsFileName + ".", kIconExclamation,
+                      "Unknown Point");
+        return false;
+      }
+      for (size_t i : matches) {
+        ref.PointType = kArabicPartType;
+        ref.Item1 = static_cast<uint8_t>(i + 1);
+        ref.Transform = transform;
+        if (AddPoint(s, state.Selected, ref) < 0) return false;
+      }
+      return true;
     } else {
-      for (size_t i = 0; i < state.Almutens.size() && !found; ++i)
-        if (EqualsIgnoreCase(Trim(state.Almutens[i].Name), name) ||
-            EqualsIgnoreCase(Trim(state.Almutens[i].ShortName), name)) {
-          ref.PointType = kChartAlmutenType;
-          ref.Item1 = static_cast<uint8_t>(i + 1);
-          found = i + 1 <= 255;
+      // An almuten by its name or short name, else the first whose name
+      // starts so ("Almuten Figuris").
+      for (int pass = 0; pass < 2 && !found; ++pass)
+        for (size_t i = 0; i < state.Almutens.size() && !found; ++i) {
+          const AlmutenDef& d = state.Almutens[i];
+          found = pass == 0 ? EqualsIgnoreCase(Trim(d.Name), name) || EqualsIgnoreCase(Trim(d.ShortName), name)
+                            : StartsWithIgnoreCase(Trim(d.Name), name);
+          if (found) {
+            ref.PointType = kChartAlmutenType;
+            ref.Item1 = static_cast<uint8_t>(std::min<size_t>(i + 1, 255));
+          }
         }
     }
     if (!found) {
@@ -112,7 +130,7 @@ bool ComposePoints(Context& ctx, ResearchState& state, const PointArgs& a) {
       return false;
     }
     ref.Transform = transform;
-    return AddPoint(s, state.Selected, ref) >= 0 || state.Selected.size() < kMaxSelectedPoints;
+    return AddPoint(s, state.Selected, ref) >= 0;
   };
   for (const auto& n : a.points)
     if (!add(FromArg(n), kChartPointType)) return false;
@@ -242,6 +260,16 @@ std::string Fixed(double v, int decimals) {
   return t.str();
 }
 
+// A probability as people read it: four decimals, or the power of ten
+// when smaller ("3.2e-07"); the series never goes below 1e-10.
+std::string PText(double p) {
+  if (p >= 0.001) return Fixed(p, 4);
+  if (p <= 1e-10) return "< 1e-10";
+  std::ostringstream t;
+  t << std::scientific << std::setprecision(1) << p;
+  return t.str();
+}
+
 // The usual goodness of fit of a column against an even spread over the
 // real cells.
 struct Fit {
@@ -350,7 +378,8 @@ std::string RunText(const Session& s, const TabulationRun& run, int style) {
   if (run.SkippedNoPosition) t << ", " << run.SkippedNoPosition << " without positions";
   if (run.AmbiguousPoints) t << ", " << run.AmbiguousPoints << " ambiguous points left out";
   t << "\n\n";
-  const std::vector<std::string> heads = DisplayPoints(run);
+  std::vector<std::string> heads = DisplayPoints(run);
+  heads.resize(run.ColumnCount + 1, "TOTAL");  // natal details name one column only
   const int all = run.ColumnCount + 1, totalRow = run.CellCount + 1;
   size_t width = 8;
   for (int cell = 1; cell <= run.CellCount; ++cell) width = std::max(width, CellName(s, run, cell, false).size() + 2);
@@ -376,13 +405,14 @@ std::string RunText(const Session& s, const TabulationRun& run, int style) {
   t << "\n";
   for (int c = 1; c <= all; ++c) {
     const std::vector<std::string> block = StatisticsBlock(s, run, c);
-    const Fit f = Fourier(run) ? Fit{} : GoodnessOfFit(run, c);
+    if (c == all && run.ColumnCount == 1) break;  // the total of one column is that column
+    const Fit f = Fourier(run) || run.Params.DataType == kNatalDetailsData ? Fit{} : GoodnessOfFit(run, c);
     if (block.empty() && !f.Valid) continue;
     t << ForTerminal(heads[c - 1]) << ":";
     for (const auto& line : block) t << "  " << ForTerminal(line);
     if (f.Valid)
       t << "\n  goodness of fit over " << run.UsedCells << " cells: chi-square " << Fixed(f.Chi, 2) << ", " << f.Dof
-        << " degrees of freedom, p = " << (f.P < 0.0001 ? Fixed(f.P * 1e6, 2) + "e-6" : Fixed(f.P, 4));
+        << " degrees of freedom, p " << (f.P <= 1e-10 ? "" : "= ") << PText(f.P);
     t << "\n";
   }
   return t.str();
