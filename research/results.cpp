@@ -43,15 +43,6 @@ std::string FormatShort(double value) {
   return text;
 }
 
-// Degrees and minutes: 15°30'.
-std::string AngleText(double degrees) {
-  if (!std::isfinite(degrees)) degrees = 0;
-  bool negative = degrees < 0;
-  long long minutes = std::llround(std::fabs(degrees) * 60.0);
-  std::string text = negative && minutes != 0 ? "-" : "";
-  return text + std::to_string(minutes / 60) + kDegreeSign + ZeroPad(minutes % 60, 2) + "'";
-}
-
 // A range of degrees: "0-30", "-10 to 0" when either end is negative.
 std::string RangeText(double from, double to) {
   std::string separator = from < 0 || to < 0 ? " to " : "-";
@@ -522,6 +513,81 @@ bool SaveTabulation(Session& session, const TabulationRun& run, int style, std::
                         kIconExclamation, "Save Tabulation");
     return false;
   }
+  return true;
+}
+
+}  // namespace vintar
+
+namespace vintar {
+
+std::string AngleText(double degrees) {
+  if (!std::isfinite(degrees)) degrees = 0;
+  long minutes = std::lround(std::fabs(degrees) * 60.0);
+  std::string text = degrees < 0 && minutes > 0 ? "-" : "";
+  const long d = minutes / 60, m = minutes % 60;
+  text += std::to_string(d) + "\xB0" + (m < 10 ? "0" : "") + std::to_string(m) + "'";
+  return text;
+}
+
+std::vector<std::string> CellPointerLabel(const Session& session, const TabulationRun& run, int cell, int column) {
+  if (cell < 1 || cell > run.UsedCells || column < 1 || column > run.ColumnCount + 1 || run.Tally.empty())
+    return {};
+  std::vector<std::string> lines{CellName(session, run, cell, false)};
+  const int code = run.Params.Code;
+  const double value = run.At(cell, column);
+  if (code == 301 || code == 303) {
+    lines.push_back("Phase Angle = " + AngleText(Mod(value, 360.0)));
+    lines.push_back("Angle of Peak = " + AngleText(Mod(value + 90.0, 360.0)));
+  } else if (code == 300 || code == 302) {
+    lines.push_back("Amplitude = " + FormatFixed(value, 0) + "%");
+  } else if (ChiSquareApplies(run) || code == 51) {
+    const ColumnTest t = CellTest(run, cell, column);
+    lines.push_back("Count = " + FormatFixed(value, 1));
+    const std::string heading = "Chi Sq(" + std::to_string(t.Degrees) + ") = ";
+    if (t.TooSparse) {
+      lines.push_back(heading + "Too Sparse");
+    } else {
+      lines.push_back(heading + FormatFixed(t.Chi, 1));
+      lines.push_back("Prob = 1 in " + FormatFixed(t.OneIn, 0));
+    }
+  } else {
+    lines.push_back("Count = " + FormatFixed(value, 1));
+  }
+  return lines;
+}
+
+int BarCellAt(const TabulationRun& run, double fraction) {
+  if (!(fraction >= 0.0 && fraction < 1.0) || run.UsedCells < 1) return 0;
+  return static_cast<int>(fraction * run.UsedCells) + 1;
+}
+
+int PolarCellAt(const TabulationRun& run, double angle, double radius) {
+  if (!std::isfinite(angle) || !(radius >= 0.0 && radius <= 0.42) || run.UsedCells < 1) return 0;
+  const int cell = static_cast<int>(Mod(angle + 90.0, 360.0) * run.UsedCells / 360.0) + 1;
+  return std::clamp(cell, 1, run.UsedCells);
+}
+
+void ResultsSettings::Clamp() {
+  TabulateStyle = std::clamp(TabulateStyle, 0, kTabStyles - 1);
+  LastGraphType = std::clamp(LastGraphType, 0, kTabulationDisplay);
+}
+
+bool FilterBlockFor(Session& session, const TabulationRun& run, int display, int firstCell, int lastCell,
+                    int firstColumn, int lastColumn, FilterBlock& block) {
+  if (display != kTabulationDisplay) {
+    session.ShowMessage(
+        "To filter data into a new file you must choose to view the data as a tabulation, and then to select a "
+        "range of cells.",
+        kIconExclamation, "Cannot Filter");
+    return false;
+  }
+  if (firstCell > lastCell) std::swap(firstCell, lastCell);
+  if (firstColumn > lastColumn) std::swap(firstColumn, lastColumn);
+  if (lastCell > run.CellCount) lastCell = run.CellCount;
+  if (firstCell > run.CellCount || firstCell < 1) firstCell = 1;
+  if (lastColumn > run.ColumnCount) lastColumn = run.ColumnCount;
+  if (firstColumn > run.ColumnCount || firstColumn < 1) firstColumn = 1;
+  block = {true, firstCell, lastCell, firstColumn, lastColumn};
   return true;
 }
 

@@ -107,4 +107,38 @@ std::string TabulationText(const Session& session, const TabulationRun& run, int
 // shows "Unable to save file: ..." and returns false.
 bool SaveTabulation(Session& session, const TabulationRun& run, int style, std::string path);
 
+// An angle as the screens write it back: whole degrees and minutes,
+// "5\xB000'" (Latin-1), which the angle parser reads again.
+std::string AngleText(double degrees);
+
+// The floating label over a bar or polar sector: the cell's name, then its
+// value lines ("Phase Angle = ", "Angle of Peak = "; "Amplitude = "; or
+// "Count = ", "Chi Sq(" d ") = ", "Prob = 1 in " / "Too Sparse"). Empty for
+// a cell outside 1..UsedCells.
+std::vector<std::string> CellPointerLabel(const Session& session, const TabulationRun& run, int cell, int column);
+// The cell under the pointer. Bar graph: `fraction` is the position along
+// the cell axis, 0 to 1. Polar graph: `angle` is the pointer's direction
+// about the centre in screen degrees (0 to the right, 90 down) and
+// `radius` its distance over the picture's height; beyond 0.42 no cell.
+// 0 when no cell is under it.
+int BarCellAt(const TabulationRun& run, double fraction);
+int PolarCellAt(const TabulationRun& run, double angle, double radius);
+
+// Display styles of the results screen (DisplayStyles).
+inline constexpr int kBarGraph = 0, kPolarGraph = 1, kTabulationDisplay = 2;
+// The screen's two remembered settings, held to their lists.
+struct ResultsSettings {
+  int TabulateStyle = 0;
+  int LastGraphType = 0;
+  void Clamp();
+};
+
+// "Filter Selected Records into New Project": only from the table. With
+// another display shows "To filter data into a new file you must choose to
+// view the data as a tabulation, and then to select a range of cells."
+// (title "Cannot Filter") and returns false. Otherwise the grid's selection
+// (rows and columns from 1) becomes the block, held to the table.
+bool FilterBlockFor(Session& session, const TabulationRun& run, int display, int firstCell, int lastCell,
+                    int firstColumn, int lastColumn, FilterBlock& block);
+
 }  // namespace vintar

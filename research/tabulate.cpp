@@ -10,6 +10,7 @@
 #include "calc/cache.h"
 #include "calc/chart.h"
 #include "core/calendar.h"
+#include "core/parse.h"
 #include "core/text.h"
 #include "research/dignity.h"
 #include "research/results.h"
@@ -322,6 +323,24 @@ DivisionControls ControlsFor(int dataType, int code) {
     c.InexactEnabled = {false, true, true};
   }
   return c;
+}
+
+bool AnchorFromText(Session& session, int dataType, const std::string& text, double& value, std::string& shown) {
+  if (dataType == kNatalDetailsData) {
+    char* end = nullptr;
+    const long n = std::strtol(text.c_str(), &end, 10);
+    value = std::clamp<long>(end == text.c_str() ? 0 : n, 0, 99);
+    shown = std::to_string(static_cast<int>(value));
+    return true;
+  }
+  float angle = 0;
+  bool failed = false;
+  ParseAngle(session, text, angle, failed);
+  if (failed) return false;
+  value = angle;
+  if (dataType == kLatitudeData) value = std::clamp(value, 1.0, 90.0);
+  shown = AngleText(value);
+  return true;
 }
 
 bool CheckWholeDegreeHarmonic(Session& session, TabulateParams& params) {

@@ -134,6 +134,10 @@ struct DivisionControls {
   int ForcedInexact = -1;  // the option the data type sets, -1 none
 };
 DivisionControls ControlsFor(int dataType, int code);
+// Leaving the anchor box: the text read as an angle (the parser says what
+// is wrong and false is returned) and written back as angle text; Latitude
+// holds it to 1..90, Natal Details takes a whole number of 0 to 99.
+bool AnchorFromText(Session& session, int dataType, const std::string& text, double& value, std::string& shown);
 
 // The run. Opens (recalculating as needed) the transit cache of the
 // session's coordinate, casts each record's chart and counts. In filter

@@ -270,5 +270,45 @@ TEST(ResultsText, ExportAndSave) {
   EXPECT_TRUE(std::filesystem::is_directory(t.dir.file("busy.dat")));
 }
 
+// The results screen's own rules: which cell is under the pointer, its
+// label, the anchor box, and the block that filtering starts from.
+TEST(ResultsScreen, PointerLabelsAnchorAndFilterBlock) {
+  TestSession t;
+  // Twelve signs, 120 charts, Aries crowded.
+  std::vector<float> counts(12, 9.0f);
+  counts[0] = 21.0f;
+  const TabulationRun run = MakeRun(0, 0, 0, {counts}, {"Mars"});
+  EXPECT_EQ(BarCellAt(run, 0.0), 1);
+  EXPECT_EQ(BarCellAt(run, 0.999), 12);
+  EXPECT_EQ(BarCellAt(run, 1.0), 0);
+  EXPECT_EQ(PolarCellAt(run, -90.0, 0.3), 1);  // straight up is the start of the first sector
+  EXPECT_EQ(PolarCellAt(run, 0.0, 0.3), 4);    // to the right, a quarter round
+  EXPECT_EQ(PolarCellAt(run, 0.0, 0.5), 0);    // outside the rings
+  const std::vector<std::string> label = CellPointerLabel(t.session, run, 1, 1);
+  ASSERT_EQ(label.size(), 4u);
+  EXPECT_EQ(label[1], "Count = 21.0");
+  EXPECT_EQ(label[2], "Chi Sq(11) = 12.1");  // (21 - 10)^2 / 10
+  EXPECT_TRUE(CellPointerLabel(t.session, run, 13, 1).empty());
+
+  double value = 0;
+  std::string shown;
+  EXPECT_TRUE(AnchorFromText(t.session, kLongitudeData, "15Ar30", value, shown));
+  EXPECT_NEAR(value, 15.5, 1e-4);
+  EXPECT_EQ(shown, "15\xB0" "30'");
+  EXPECT_TRUE(AnchorFromText(t.session, kLatitudeData, "120", value, shown));
+  EXPECT_EQ(value, 90);
+  EXPECT_TRUE(AnchorFromText(t.session, kNatalDetailsData, "250", value, shown));
+  EXPECT_EQ(shown, "99");
+  EXPECT_FALSE(AnchorFromText(t.session, kLongitudeData, "north", value, shown));
+
+  FilterBlock block;
+  EXPECT_FALSE(FilterBlockFor(t.session, run, kBarGraph, 1, 2, 1, 1, block));
+  EXPECT_EQ(t.sink.messages.back().title, "Cannot Filter");
+  ASSERT_TRUE(FilterBlockFor(t.session, run, kTabulationDisplay, 3, 14, 1, 2, block));  // the totals row and column
+  EXPECT_EQ(block.FirstCell, 3);
+  EXPECT_EQ(block.LastCell, 12);
+  EXPECT_EQ(block.LastColumn, 1);
+}
+
 }  // namespace
 }  // namespace vintar
