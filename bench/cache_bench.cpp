@@ -1,17 +1,22 @@
 // Benchmarks of the position cache: recalculating the cache of a project of
-// 1,000 generated records for each coordinate and dynamic type, beside the
-// bare ephemeris calls that the same recalculation makes, so that the cost
-// of everything around the ephemeris shows as a ratio (counter "ratio" on
-// the recalculation); and re-checking a current cache of 10,000 records.
+// 1,000 generated records for each coordinate and dynamic type on one
+// thread, beside the bare ephemeris calls that the same recalculation makes,
+// so that the cost of everything around the ephemeris shows as a ratio
+// (counter "ratio" on the recalculation); recalculating 2,000 records with
+// 1, 2 and one worker per core (records per second, and the speed-up over
+// one worker as counter "speedup"); and re-checking a current cache of
+// 10,000 records.
 #include <benchmark/benchmark.h>
 
 #include <unistd.h>
 
 #include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "calc/cache.h"
@@ -71,12 +76,12 @@ struct BenchProject {
     return CacheFileName(session.project.ProjectPath, coordinate, type);
   }
   // A full recalculation: no file, nothing checked yet.
-  bool Recalculate(int coordinate, int type) {
+  bool Recalculate(int coordinate, int type, int workers = 1) {
     std::error_code ec;
     std::filesystem::remove(File(coordinate, type), ec);
     session.cache.Clear();
     bool cancelled = false;
-    CalcEvents(session, coordinate, type, kNaibod, cancelled);
+    CalcEvents(session, coordinate, type, kNaibod, cancelled, nullptr, nullptr, workers);
     return !cancelled;
   }
 };
@@ -207,6 +212,37 @@ BENCHMARK(BM_BareEphemerisCalls)
     ->ArgNames({"coordinate", "type"})
     ->ArgsProduct({{1, 2}, {0, 1, 2, 3}})
     ->Unit(benchmark::kMillisecond);
+
+// Recalculating a whole cache of 2,000 records on `workers` threads (0: one
+// per core), geocentric transits. The speed-up is measured against one
+// worker timed beside it, so that both see the same machine.
+void BM_CacheWorkers(benchmark::State& state) {
+  constexpr int kWorkerRecords = 2000;
+  const int workers = static_cast<int>(state.range(0));
+  BenchProject b(kWorkerRecords);
+  double many = 0.0, one = 0.0, cpu = 0.0;
+  auto timed = [&](int n) {
+    auto start = std::chrono::steady_clock::now();
+    if (!b.Recalculate(kGeocentric, kTransits, n)) state.SkipWithError("recalculation cancelled");
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  };
+  for (auto _ : state) {
+    const std::clock_t cpuStart = std::clock();
+    many += timed(workers);
+    cpu += static_cast<double>(std::clock() - cpuStart) / CLOCKS_PER_SEC;
+    state.PauseTiming();
+    one += timed(1);
+    state.ResumeTiming();
+  }
+  state.counters["workers"] = workers > 0 ? workers : static_cast<double>(std::thread::hardware_concurrency());
+  state.counters["speedup"] = many > 0 ? one / many : 0.0;
+  // Processor time of all threads over the time taken: the cores the run
+  // actually had. On a machine busy with other work this, not the number
+  // of workers, bounds the speed-up.
+  state.counters["cores"] = many > 0 ? cpu / many : 0.0;
+  state.SetItemsProcessed(state.iterations() * kWorkerRecords);
+}
+BENCHMARK(BM_CacheWorkers)->ArgName("workers")->Arg(1)->Arg(2)->Arg(0)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // Re-checking a current cache of 10,000 records: every record compared,
 // nothing recomputed.

@@ -7,13 +7,18 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <condition_variable>
 #include <cstring>
+#include <memory>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 #include "calc/astro.h"
 #include "core/calendar.h"
 #include "calc/chart.h"
 #include "calc/dynamic.h"
+#include "calc/ephemeris.h"
 #include "core/file_io.h"
 #include "core/parse.h"
 #include "core/text.h"
@@ -193,6 +198,12 @@ EventPositionRecord BuildRecord(Session& session, const EventRecord& e, const Ru
   options.Asteroids = run.asteroids;
   options.Radix = run.radix;
 
+  // The slots start empty for every record, so that nothing a calculation
+  // leaves unset can carry over from the record before: the record depends
+  // on its event alone, whichever thread builds it after whichever other.
+  for (int coordinate = kGeocentric; coordinate <= kHeliocentric; ++coordinate)
+    for (int slot = 1; slot <= 3; ++slot) tables.Longitude[coordinate][slot].fill(-1.0);
+
   r.PrecessionArcsec = DynamicPositions(session, 1, t1, run.radixJD, run.type, 0.0, options);
   const bool instant = span == 0.0;
   bool angles = false;
@@ -281,15 +292,205 @@ std::string StatusText(const Session& session, int n, int count, const EventReco
          "%)";
 }
 
+// The stale records of a run, built in record order and handed to the
+// writer one by one. With one worker they are built on the calling thread
+// with the session itself, as they are asked for. With more, worker threads
+// build them ahead, each with a copy of the session (its own chart tables)
+// and its own ephemeris state, and the writer takes them in order; a worker
+// runs at most a window of records ahead of the writer. Messages that a
+// worker's calculation shows are kept with the record and shown by the
+// writer's thread when it takes the record, so that they reach the user in
+// the order a single thread would show them.
+class RecordBuilders {
+ public:
+  RecordBuilders(Session& session, const std::vector<int>& stale, const RunSettings& run, int workers)
+      : main_(session), events_(session.project.Events), stale_(stale), run_(run) {
+    workers = std::clamp<long long>(workers, 1, static_cast<long long>(stale.size()));
+    if (workers < 2) return;
+    window_ = static_cast<size_t>(workers) * kAheadPerWorker;
+    ring_.resize(window_);
+    {
+      // The workers read the events from this session; their copies go without.
+      EventsAside aside(session.project.Events);
+      for (int i = 0; i < workers; ++i) {
+        auto w = std::make_unique<Worker>();
+        w->session = std::make_unique<Session>(session, w->sink);
+        w->session->charts.EphemerisCalls = 0;
+        // The ephemeris keeps its path per thread: the worker sets it anew.
+        w->session->EphemerisPath.clear();
+        workers_.push_back(std::move(w));
+      }
+    }
+    for (auto& w : workers_) {
+      try {
+        threads_.emplace_back(&RecordBuilders::Work, this, std::ref(*w));
+      } catch (...) {
+        break;  // no more threads to be had: those started share the work
+      }
+    }
+  }
+
+  ~RecordBuilders() {
+    {
+      std::lock_guard<std::mutex> lock(mutex_);
+      stop_ = true;
+    }
+    space_.notify_all();
+    for (std::thread& t : threads_) t.join();
+    for (const auto& w : workers_) main_.charts.EphemerisCalls += w->session->charts.EphemerisCalls;
+  }
+
+  RecordBuilders(const RecordBuilders&) = delete;
+  RecordBuilders& operator=(const RecordBuilders&) = delete;
+
+  // The bytes of stale record i (from 0, in order); false when it could not
+  // be built.
+  bool Take(size_t i, unsigned char* bytes) {
+    if (threads_.empty()) {
+      EncodeCacheRecord(BuildRecord(main_, events_[stale_[i]], run_), bytes);
+      return true;
+    }
+    Built& slot = ring_[i % window_];
+    std::vector<CapturingSink::Entry> messages;
+    bool failed;
+    {
+      std::unique_lock<std::mutex> lock(mutex_);
+      if (!slot.ready) {
+        // Caught up with the workers: sleep until a batch is ready rather
+        // than waking for every record.
+        waiting_ = true;
+        built_.wait(lock, [&] { return BatchReady(i); });
+        waiting_ = false;
+      }
+      std::memcpy(bytes, slot.bytes, kCacheRecordSize);
+      messages = std::move(slot.messages);
+      failed = slot.failed;
+      slot.ready = false;
+      ++taken_;
+    }
+    space_.notify_all();
+    for (const CapturingSink::Entry& m : messages) main_.ShowMessage(m.text, m.flags, m.title);
+    return !failed;
+  }
+
+ private:
+  // How far a worker may run ahead of the writer, in records per worker.
+  static constexpr size_t kAheadPerWorker = 64;
+  // Records the writer waits for at once when it has caught up (at most
+  // the window of one worker).
+  static constexpr size_t kBatch = 16;
+  // Consecutive records a worker takes at once: neighbouring events are
+  // often near in time, and the ephemeris reuses what it read for the last.
+  static constexpr size_t kChunk = 8;
+
+  struct Worker {
+    CapturingSink sink;
+    std::unique_ptr<Session> session;
+  };
+  struct Built {
+    unsigned char bytes[kCacheRecordSize];
+    std::vector<CapturingSink::Entry> messages;
+    bool failed = false;
+    bool ready = false;
+  };
+  // Moves a vector out for the length of a scope and puts it back after.
+  struct EventsAside {
+    explicit EventsAside(std::vector<EventRecord>& events) : place(events), kept(std::move(events)) {
+      place.clear();
+    }
+    ~EventsAside() { place = std::move(kept); }
+    std::vector<EventRecord>& place;
+    std::vector<EventRecord> kept;
+  };
+
+  // Whether stale records i to i + kBatch - 1 (those there are) are all
+  // built. Called with the mutex held.
+  bool BatchReady(size_t i) const {
+    const size_t end = std::min(stale_.size(), i + kBatch);
+    for (size_t j = i; j < end; ++j)
+      if (!ring_[j % window_].ready) return false;
+    return true;
+  }
+
+  void Work(Worker& w) {
+    for (;;) {
+      size_t first, end;
+      {
+        std::unique_lock<std::mutex> lock(mutex_);
+        space_.wait(lock, [&] { return stop_ || next_ >= stale_.size() || next_ + kChunk <= taken_ + window_; });
+        if (stop_ || next_ >= stale_.size()) break;
+        // Smaller chunks towards the end, so that the workers finish together.
+        const size_t left = stale_.size() - next_;
+        first = next_;
+        end = next_ = next_ + std::clamp<size_t>(left / (2 * workers_.size()), 1, kChunk);
+      }
+      for (size_t i = first; i < end; ++i) Build(w, i);
+    }
+    CloseEphemeris();  // this thread's files
+  }
+
+  // Builds stale record i into its slot, which the writer has left: it
+  // took the record that used the slot last.
+  void Build(Worker& w, size_t i) {
+    Built& slot = ring_[i % window_];
+    bool failed = false;
+    std::vector<CapturingSink::Entry> messages;
+    try {
+      w.sink.Clear();
+      EncodeCacheRecord(BuildRecord(*w.session, events_[stale_[i]], run_), slot.bytes);
+      messages = std::move(w.sink.messages);
+    } catch (...) {
+      failed = true;
+    }
+    bool wake;
+    {
+      std::lock_guard<std::mutex> lock(mutex_);
+      slot.messages = std::move(messages);
+      slot.failed = failed;
+      slot.ready = true;
+      wake = waiting_ && BatchReady(taken_);
+    }
+    if (wake) built_.notify_one();
+  }
+
+  Session& main_;
+  const std::vector<EventRecord>& events_;
+  const std::vector<int>& stale_;
+  const RunSettings run_;
+  std::vector<std::unique_ptr<Worker>> workers_;
+  std::vector<std::thread> threads_;
+  std::vector<Built> ring_;
+  size_t window_ = 1;
+  std::mutex mutex_;
+  std::condition_variable built_;  // a record is ready
+  std::condition_variable space_;  // the writer took one, or the run stops
+  size_t next_ = 0;                // the next stale record to build
+  size_t taken_ = 0;               // stale records the writer has taken
+  bool stop_ = false;
+  bool waiting_ = false;           // the writer sleeps until a batch is ready
+};
+
 // The recalculation behind the progress screen. Returns false when the
 // run was cancelled or the file failed. Nothing is written while every
 // record is current; from the first stale one on, the whole file is written
 // anew, the current records copied as they stand. A cancelled run keeps
-// what it has recalculated and the old records after it.
+// what it has written and the old records after it. The stale records are
+// known before any is built, so that the builders can work ahead.
 bool Recalculate(Session& session, const std::string& path, int count, RunSettings run, Progress* progress,
-                 CacheRunStats* stats) {
+                 CacheRunStats* stats, int workers) {
   CacheReader old;
   old.Open(path, count);
+  std::vector<int> stale;
+  for (int n = 1; n <= count; ++n) {
+    const unsigned char* cached = old.Record(n);
+    bool current = cached != nullptr;
+    if (current) {
+      const EventPositionRecord record = DecodeCacheRecord(cached);
+      current = IsCurrent(record, session.project.Events[n]) && CacheRecordUsable(record);
+    }
+    if (!current) stale.push_back(n);
+  }
+
   CacheWriter out;
   // Copies records first..last of the old file into the new one. A record
   // that can no longer be read ends the copy: a failure when every record
@@ -304,46 +505,45 @@ bool Recalculate(Session& session, const std::string& path, int count, RunSettin
   };
 
   SlotPositions radix;
-  bool haveRadix = false;
+  std::unique_ptr<RecordBuilders> builders;  // ends before the radix it reads
+  size_t nextStale = 0;
   unsigned char bytes[kCacheRecordSize];
   for (int n = 1; n <= count; ++n) {
     if (progress && progress->Cancelled()) {
       // Keep what was done, and the old records behind it.
+      builders.reset();
       if (out.IsOpen() && copyOld(n, old.Present(), false)) out.Commit();
       return false;
     }
     const EventRecord& e = session.project.Events[n];
-    const unsigned char* cached = old.Record(n);
-    bool stale = cached == nullptr;
-    if (!stale) {
-      const EventPositionRecord record = DecodeCacheRecord(cached);
-      stale = !IsCurrent(record, e) || !CacheRecordUsable(record);
-    }
+    const bool isStale = nextStale < stale.size() && stale[nextStale] == n;
     if (progress) {
-      if (stale || n % kStatusEvery == 0 || n == count) progress->Status(StatusText(session, n, count, e));
+      if (isStale || n % kStatusEvery == 0 || n == count) progress->Status(StatusText(session, n, count, e));
       progress->Fraction(static_cast<double>(n) / count);
     }
-    if (!stale) {
+    if (!isStale) {
       if (stats) ++stats->Current;
-      if (out.IsOpen() && !out.Add(cached)) return false;
+      if (out.IsOpen() && !copyOld(n, n, true)) return false;
       continue;
     }
-    if (!out.IsOpen() && (!out.Open(path) || !copyOld(1, n - 1, true))) return false;
-    if (run.type == kSolarArc && !haveRadix) {
-      // Every record moves the same radix chart: compute it once.
-      DynamicOptions options;
-      options.Asteroids = run.asteroids;
-      DynamicPositions(session, 3, run.radixJD, run.radixJD, kTransits, 0.0, options);
-      radix = CopySlotPositions(session, 3);
-      for (int c = kGeocentric; c <= kHeliocentric; ++c)
-        for (int p = kAscendant; p <= kEastPoint; ++p) radix.Longitude[c][p] = -1.0;
-      run.radix = &radix;
-      haveRadix = true;
+    if (!out.IsOpen()) {
+      if (!out.Open(path) || !copyOld(1, n - 1, true)) return false;
+      if (run.type == kSolarArc) {
+        // Every record moves the same radix chart: compute it once.
+        DynamicOptions options;
+        options.Asteroids = run.asteroids;
+        DynamicPositions(session, 3, run.radixJD, run.radixJD, kTransits, 0.0, options);
+        radix = CopySlotPositions(session, 3);
+        for (int c = kGeocentric; c <= kHeliocentric; ++c)
+          for (int p = kAscendant; p <= kEastPoint; ++p) radix.Longitude[c][p] = -1.0;
+        run.radix = &radix;
+      }
+      builders = std::make_unique<RecordBuilders>(session, stale, run, workers);
     }
-    EncodeCacheRecord(BuildRecord(session, e, run), bytes);
-    if (!out.Add(bytes)) return false;
+    if (!builders->Take(nextStale++, bytes) || !out.Add(bytes)) return false;
     if (stats) ++stats->Recalculated;
   }
+  builders.reset();
   return !out.IsOpen() || out.Commit();
 }
 
@@ -458,7 +658,7 @@ bool ReadCacheRecord(const std::string& path, int n, EventPositionRecord& record
 }
 
 void CalcEvents(Session& session, int coordinate, int dynamicType, int progressionMethod, bool& cancelled,
-                Progress* progress, CacheRunStats* stats) {
+                Progress* progress, CacheRunStats* stats, int workers) {
   CacheState& cache = session.cache;
   const int16_t savedCoordinate = cache.Coordinate, savedType = cache.DynamicType,
                 savedMethod = cache.ProgressionMethod;
@@ -507,7 +707,8 @@ void CalcEvents(Session& session, int coordinate, int dynamicType, int progressi
         run.type = dynamicType;
         run.asteroids = cache.AsteroidsOn != 0;
         run.radixJD = project.Header.NatalJulianDay;
-        cancelled = !Recalculate(session, path, count, run, progress, stats);
+        if (workers < 1) workers = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+        cancelled = !Recalculate(session, path, count, run, progress, stats, workers);
       }
     }
   } catch (...) {

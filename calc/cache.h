@@ -9,9 +9,17 @@
 // recalculated only when the fields that its time accuracy uses have
 // changed, or when it holds values no calculation gives (a damaged file).
 // A run writes a new file beside the old one and renames it into place, so
-// a failed or killed run leaves the old cache whole. Checked against the
-// positions of the moment computed directly and against the byte offsets of
-// the record layout.
+// a failed or killed run leaves the old cache whole.
+//
+// A run shares the stale records out among threads, one per core. The
+// ephemeris library is built with thread-local state (its whole working
+// state is one thread-local structure: path, open files, last results), so
+// threads do not disturb one another; each sets its own path and closes its
+// own files. Each thread computes with its own copy of the session, and the
+// calling thread writes the records in order, so the file does not depend
+// on the number of threads. Checked against the positions of the moment
+// computed directly, against the byte offsets of the record layout, and
+// against a single thread's file.
 #pragma once
 
 #include <array>
@@ -63,8 +71,13 @@ struct CacheRunStats {
 // through `progress` or the file could not be opened or written; what was
 // written stays. A project with no records creates nothing. The session's
 // current coordinate, type and method are restored afterwards.
+//
+// `workers` threads build the stale records (0: one per core); the calling
+// thread alone reports progress, shows their messages and writes the file,
+// which is the same byte for byte whatever the number. With one worker, or
+// one stale record, everything runs on the calling thread.
 void CalcEvents(Session& session, int coordinate, int dynamicType, int progressionMethod, bool& cancelled,
-                Progress* progress = nullptr, CacheRunStats* stats = nullptr);
+                Progress* progress = nullptr, CacheRunStats* stats = nullptr, int workers = 0);
 
 // Half the span in days of an event's moment: its date range, plus a day
 // for a date alone or half a day for a time known to the hour. The range

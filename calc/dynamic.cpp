@@ -39,10 +39,19 @@ bool AnyComputed(const ChartTables& c, int slot, int firstPoint, int lastPoint) 
 // beyond the ephemeris raises one message, not two).
 void ComputeMoment(Session& session, int slot, double T, double offset, bool asteroids) {
   ChartTables& c = session.charts;
+  // The ephemeris has no geocentric Earth and no heliocentric Moon or Sun;
+  // marked before anything looks at the rows, so that what a row held
+  // before never counts as computed.
+  auto noSuchBodies = [&] {
+    MarkMissing(c, kHeliocentric, slot, kMoon);
+    MarkMissing(c, kGeocentric, slot, kEarth);
+    MarkMissing(c, kHeliocentric, slot, kSun);
+  };
   if (asteroids) {
     ComputePositions(session, slot, 0, 0, T, offset);
   } else {
     ComputePositions(session, slot, kMoon, kPluto, T, offset);
+    noSuchBodies();
     if (AnyComputed(c, slot, kMoon, kPluto)) {
       ComputePositions(session, slot, kTrueNode, kMeanNode, T, offset);
     } else {
@@ -58,10 +67,7 @@ void ComputeMoment(Session& session, int slot, double T, double offset, bool ast
       c.Retrograde[slot][point] = kFalse;
     }
   }
-  // The ephemeris has no geocentric Earth and no heliocentric Moon or Sun.
-  MarkMissing(c, kHeliocentric, slot, kMoon);
-  MarkMissing(c, kGeocentric, slot, kEarth);
-  MarkMissing(c, kHeliocentric, slot, kSun);
+  noSuchBodies();
 }
 
 // The tropical longitude of a radix point, or -1.0.

@@ -1,6 +1,7 @@
 // The one door to the Swiss Ephemeris: a path, a position, a close. No other
-// file includes the library's header. The library keeps its own state (the
-// path and open files) for the whole process; every session shares it.
+// file includes the library's header. The library keeps its state (the path,
+// open files and last results) per thread: a thread that computes sets the
+// path itself and closes its files before it ends.
 //
 // Positions are those of swe_calc: ecliptic longitude, latitude, distance and
 // their speeds per day, for a Julian day handed over unchanged.

@@ -310,6 +310,48 @@ TEST(CalcEvents, CancelKeepsWhatWasWritten) {
   EXPECT_EQ(rest.Recalculated, 2);
 }
 
+// Several workers build the same file as one, show the same messages in the
+// same order, and a cancel part-way leaves a file that a later run finishes.
+TEST(CalcEvents, WorkersBuildTheFileOfOneThread) {
+  std::vector<EventRecord> events;
+  for (int i = 1; i <= 300; ++i) {
+    EventRecord e = Event(1900 + (i * 7) % 150, 1 + i % 12, 1 + (i * 5) % 28, i % 4, i % 5 == 0 ? i % 9 : 0,
+                          (i * 3) % 24, (i * 11) % 60);
+    if (i % 97 == 0) e.Year = -5000;  // beyond the ephemeris: a message
+    events.push_back(e);
+  }
+  for (int type : {kTransits, kSecondary, kSolarArc}) {
+    SCOPED_TRACE(type);
+    Project one(events), three(events);
+    one.s.project.Header.NatalJulianDay = three.s.project.Header.NatalJulianDay = 2439857.0;
+    bool cancelled = true;
+    CalcEvents(one.s, kGeocentric, type, kNaibod, cancelled, nullptr, nullptr, 1);
+    ASSERT_FALSE(cancelled);
+    const std::string reference = ReadBytes(one.File(kGeocentric, type));
+    ASSERT_EQ(reference.size(), 300u * kCacheRecordSize);
+
+    CancelAfter progress(120);
+    CalcEvents(three.s, kGeocentric, type, kNaibod, cancelled, &progress, nullptr, 3);
+    EXPECT_TRUE(cancelled);
+    EXPECT_EQ(ReadBytes(three.File(kGeocentric, type)), reference.substr(0, 120 * kCacheRecordSize));
+    three.s.cache.Clear();
+    CacheRunStats stats;
+    CalcEvents(three.s, kGeocentric, type, kNaibod, cancelled, nullptr, &stats, 3);
+    EXPECT_FALSE(cancelled);
+    EXPECT_EQ(stats.Current, 120);
+    EXPECT_EQ(stats.Recalculated, 180);
+    EXPECT_EQ(ReadBytes(three.File(kGeocentric, type)), reference);
+
+    auto texts = [](const Project& p) {
+      std::vector<std::string> all;
+      for (const auto& m : p.t.sink.messages) all.push_back(m.text);
+      return all;
+    };
+    EXPECT_EQ(texts(one).empty(), type != kTransits) << "a progressed year -5000 still falls near the birth";
+    EXPECT_EQ(texts(three), texts(one));
+  }
+}
+
 TEST(CalcEvents, DatesBeyondTheEphemerisGiveEmptyRecordsAndTheRunGoesOn) {
   Project p({Event(1990, 3, 1, 3), Event(-5000, 3, 1, 3), Event(9000, 3, 1, 0, 2), Event(1993, 1, 1, 3)});
   p.Run();
