@@ -1,7 +1,9 @@
 // Tabulation over a warm position cache: 100,000 generated charts with the
-// ten planets selected, for the longitude types (signs, dignities, aspects)
-// and for the types that compute more per point (houses, diurnal position,
-// azimuth). The counter `charts/s` is the figure to read; the target for the
+// Sun to Pluto and the Moon selected, one division of every data type: the
+// longitude types (signs, dignities, aspects of 55 pairs, harmonic degrees,
+// latitude), those that compute more per point (houses with their cusps,
+// right ascension, declination, the diurnal position, azimuth, altitude)
+// and the natal details, which read no positions. The counter `charts/s` is the figure to read; the target for the
 // longitude types is 100,000 charts a second.
 #include <benchmark/benchmark.h>
 
@@ -101,6 +103,10 @@ void BM_TabulateDiurnal(benchmark::State& s) { Tabulate(s, 6, 504); }
 void BM_TabulateAzimuth(benchmark::State& s) { Tabulate(s, 9, 700); }
 void BM_TabulateDeclination(benchmark::State& s) { Tabulate(s, 8, 401); }
 void BM_TabulateHarmonics(benchmark::State& s) { Tabulate(s, 4, 300); }
+void BM_TabulateLatitude(benchmark::State& s) { Tabulate(s, 5, 401); }
+void BM_TabulateRightAscension(benchmark::State& s) { Tabulate(s, 7, 600); }
+void BM_TabulateAltitude(benchmark::State& s) { Tabulate(s, 10, 801); }
+void BM_TabulateNatalDetails(benchmark::State& s) { Tabulate(s, 11, 900); }
 
 BENCHMARK(BM_TabulateSigns)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_TabulateDignity)->Unit(benchmark::kMillisecond)->Iterations(3);
@@ -110,5 +116,9 @@ BENCHMARK(BM_TabulateDiurnal)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_TabulateAzimuth)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_TabulateDeclination)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_TabulateHarmonics)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_TabulateLatitude)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_TabulateRightAscension)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_TabulateAltitude)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_TabulateNatalDetails)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 }  // namespace
