@@ -583,12 +583,12 @@ class Tabulator {
         const bool agree = ordinal < static_cast<int>(memory.size()) && memory[ordinal].Cell == cell &&
                            memory[ordinal].Extra == extra;
         if (!agree) {
-          if (last) ++run_.AmbiguousPoints;
-          if (ordinal < static_cast<int>(memory.size())) memory[ordinal].Cell = -1;
+          // An inexact chart whose point changes cell within its time range.
+          ++run_.AmbiguousPoints;
           return;
         }
       }
-      if (last && (first || memory[ordinal].Cell != -1)) Count(n, column, cell, extra);
+      if (last) Count(n, column, cell, extra);
     };
     std::vector<int> extra;
     if (p_.DataType == kSeparationData) {
