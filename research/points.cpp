@@ -483,6 +483,13 @@ void AddAllMidpoints(Session& session, std::vector<PointRef>& list, int point, i
   }
 }
 
+ListFileButton ListFileButtonFor(int pointType) {
+  if (pointType == kArabicPartType) return {"Parts File...", "Select Parts File", "Parts Files (*.arp)|*.arp"};
+  if (pointType == kChartAlmutenType)
+    return {"Almuten File...", "Select Almutens File", "Almuten Files (*.alm)|*.alm"};
+  return {};
+}
+
 std::string ChangeFileWarning(int selectedCount) {
   return "If you select a different file, then the " + std::to_string(selectedCount) +
          " existing selected points from the old file may be changed or invalidated!";

@@ -127,6 +127,14 @@ int AddPoint(Session& session, std::vector<PointRef>& list, const PointRef& ref)
 void AddAllMidpoints(Session& session, std::vector<PointRef>& list, int point, int transform);
 // The warning when the parts or almuten file changes under selected points.
 std::string ChangeFileWarning(int selectedCount);
+// The editor's file button for a point type: its caption, the dialog's
+// title and filter ("Parts File...", "Select Parts File", "Parts Files
+// (*.arp)|*.arp" for Arabic parts; the almuten file for chart almutens);
+// empty for the other types, which have no file.
+struct ListFileButton {
+  std::string Caption, Title, Filter;
+};
+ListFileButton ListFileButtonFor(int pointType);
 
 // Finds a point by its display name (case ignored) for the command line:
 // "Mars", "Sun/Moon", "10th House Cusp", "Prenatal New Moon", a part's name
