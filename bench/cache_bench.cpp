@@ -213,9 +213,11 @@ BENCHMARK(BM_BareEphemerisCalls)
     ->ArgsProduct({{1, 2}, {0, 1, 2, 3}})
     ->Unit(benchmark::kMillisecond);
 
-// Recalculating a whole cache of 10,000 records (a research project's size, where the fixed cost of starting the workers no longer shows) on `workers` threads (0: one
-// per core), geocentric transits. The speed-up is measured against one
-// worker timed beside it, so that both see the same machine.
+// Recalculating a whole cache of 10,000 records, a research project's size
+// (at which the fixed cost of starting the workers no longer shows), on
+// `workers` threads (0: one per core), geocentric transits. The speed-up is
+// measured against one worker timed beside it, so that both see the same
+// machine.
 void BM_CacheWorkers(benchmark::State& state) {
   constexpr int kWorkerRecords = 10000;
   const int workers = static_cast<int>(state.range(0));
