@@ -23,6 +23,10 @@ void AddExchangeCommands(CLI::App& app, Context& ctx, Action& action);
 void AddAtlasCommands(CLI::App& app, Context& ctx, Action& action);
 void AddRecordCommands(CLI::App& app, Context& ctx, Action& action);
 void AddResearchCommands(CLI::App& app, Context& ctx, Action& action);
+// The subcommands of `vintar research` beyond points, tabulate and export.
+void AddResearchCriteriaCommand(CLI::App& research, Context& ctx, Action& action);
+void AddResearchSelectCommand(CLI::App& research, Context& ctx, Action& action);
+void AddResearchControlCommand(CLI::App& research, Context& ctx, Action& action);
 // The subcommands of `vintar rectify`, by module.
 void AddRectifyGraphCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifySearchCommands(CLI::App& rectify, Context& ctx, Action& action);

@@ -471,6 +471,10 @@ void AddResearchCommands(CLI::App& app, Context& ctx, Action& action) {
   AddTabOptions(exp, *ea);
   exp->add_option("--out", ea->out, "The file to write")->required();
   exp->callback([&ctx, &action, ea] { action = [&ctx, ea] { return RunTabulate(ctx, *ea, true); }; });
+
+  AddResearchCriteriaCommand(*research, ctx, action);
+  AddResearchSelectCommand(*research, ctx, action);
+  AddResearchControlCommand(*research, ctx, action);
 }
 
 }  // namespace vintar::cli
