@@ -21,6 +21,7 @@
 #include "cli/commands.h"
 #include "core/parse.h"
 #include "research/dignity.h"
+#include "research/extract.h"
 #include "research/points.h"
 #include "research/results.h"
 #include "research/tabulate.h"
@@ -201,7 +202,10 @@ struct TabArgs {
   std::string out;
 };
 
-void AddTabOptions(CLI::App* cmd, TabArgs& a) {
+// `cellsName` names the option of the user-defined divisions' count:
+// "--cells" for tabulate and export, "--divisions" for filter, whose
+// --cells is the block.
+void AddTabOptions(CLI::App* cmd, TabArgs& a, const std::string& cellsName = "--cells") {
   cmd->add_option("project", a.project, "The project (.dat)")->required();
   cmd->add_option("--points", a.points.list, "A point list (.vpt)");
   AddPointOptions(cmd, a.points);
@@ -211,7 +215,7 @@ void AddTabOptions(CLI::App* cmd, TabArgs& a) {
       ->check(CLI::Range(0, 11));
   cmd->add_option("--division", a.division, "The division code (the data type's first code when not given)");
   cmd->add_option("--harmonic", a.harmonic, "Harmonic (codes 8, 12, 51, 601, 701)");
-  cmd->add_option("--cells", a.cells, "Number of divisions of the user-defined codes");
+  cmd->add_option(cellsName, a.cells, "Number of divisions of the user-defined codes");
   cmd->add_option("--anchor", a.anchor,
                   "Anchor point (12, 52, 601, 701), aspect orb (50, 51), range (402) or century (901)");
   cmd->add_option("--orb", a.orb, "Aspect orb (50, 51) or range (402) in degrees");
@@ -442,6 +446,65 @@ int RunTabulate(Context& ctx, TabArgs& a, bool exportOnly) {
   return kExitOk;
 }
 
+// "A..B" or "A" as a range; false when it is neither.
+bool ParseRange(const std::string& text, int& first, int& last) {
+  const size_t dots = text.find("..");
+  char* end = nullptr;
+  const std::string a = dots == std::string::npos ? text : text.substr(0, dots);
+  first = static_cast<int>(std::strtol(a.c_str(), &end, 10));
+  if (end == a.c_str() || *end != '\0') return false;
+  if (dots == std::string::npos) {
+    last = first;
+    return true;
+  }
+  const std::string b = text.substr(dots + 2);
+  last = static_cast<int>(std::strtol(b.c_str(), &end, 10));
+  return end != b.c_str() && *end == '\0';
+}
+
+struct FilterArgs {
+  TabArgs tab;
+  std::string cells, columns = "1..1", out, title;
+};
+
+int RunFilter(Context& ctx, FilterArgs& a) {
+  Session& s = ctx.session;
+  auto fail = [&] {
+    if (ctx.json) ctx.PrintJson({{"failed", true}, {"written", 0}});
+    return kExitFailed;
+  };
+  if (!OpenProjectForCommand(ctx, a.tab.project)) return kExitFailed;
+  ResearchState state;
+  TabulateParams p;
+  if (!TabParams(ctx, a.tab, state, p)) return fail();
+  FilterBlock block;
+  block.Active = true;
+  if (!ParseRange(a.cells, block.FirstCell, block.LastCell) ||
+      !ParseRange(a.columns, block.FirstColumn, block.LastColumn)) {
+    s.ShowMessage("Give the cells and columns as a number or a range such as 1..3.", kIconExclamation,
+                  "Cannot Filter");
+    return fail();
+  }
+  const CellCounts counts = CellCountsOf(p);
+  const int columns = p.DataType == kSeparationData ? static_cast<int>(p.Points.size() * (p.Points.size() - 1) / 2)
+                                                    : (p.DataType == kNatalDetailsData ? 1 : static_cast<int>(p.Points.size()));
+  if (block.FirstCell < 1 || block.LastCell > counts.CellCount || block.FirstCell > block.LastCell ||
+      block.FirstColumn < 1 || block.LastColumn > columns || block.FirstColumn > block.LastColumn) {
+    s.ShowMessage("The block of cells " + a.cells + " and columns " + a.columns +
+                      " lies outside the table of " + std::to_string(counts.CellCount) + " cells and " +
+                      std::to_string(columns) + " columns.",
+                  kIconExclamation, "Cannot Filter");
+    return fail();
+  }
+  std::string title = FromArg(a.title);
+  if (title.empty()) title = UCase(PathStem(s.project.ProjectPath)) + " - Filtered Records";
+  TerminalProgress progress(ctx);
+  const FilterResult r = FilterToProject(s, state, p, block, a.out, title, ctx.yes, &progress);
+  if (!r.Done) return fail();
+  if (ctx.json) ctx.PrintJson({{"written", r.Written}, {"file", JPath(r.Path)}});
+  return kExitOk;
+}
+
 }  // namespace
 
 void AddResearchCommands(CLI::App& app, Context& ctx, Action& action) {
@@ -471,6 +534,15 @@ void AddResearchCommands(CLI::App& app, Context& ctx, Action& action) {
   AddTabOptions(exp, *ea);
   exp->add_option("--out", ea->out, "The file to write")->required();
   exp->callback([&ctx, &action, ea] { action = [&ctx, ea] { return RunTabulate(ctx, *ea, true); }; });
+
+  auto* filter = research->add_subcommand("filter", "Write the charts behind a block of cells to a new project");
+  auto fa = std::make_shared<FilterArgs>();
+  AddTabOptions(filter, fa->tab, "--divisions");
+  filter->add_option("out", fa->out, "The new project (.dat)")->required();
+  filter->add_option("--cells", fa->cells, "The cells of the block: N or A..B")->required();
+  filter->add_option("--columns", fa->columns, "The columns (points) of the block: N or C..D; default 1");
+  filter->add_option("--title", fa->title, "The new project's title (default: the stem and \" - Filtered Records\")");
+  filter->callback([&ctx, &action, fa] { action = [&ctx, fa] { return RunFilter(ctx, *fa); }; });
 
   AddResearchCriteriaCommand(*research, ctx, action);
   AddResearchSelectCommand(*research, ctx, action);

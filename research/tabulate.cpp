@@ -505,7 +505,7 @@ class Tabulator {
 
   // One record's charts and counts.
   void Record(int n, const EventRecord& e, const EventPositionRecord& cached) {
-    extracted_ = false;
+    extracted_.assign(run_.ColumnCount + 2, 0);
     in_.Year = e.Year;
     in_.Hour = e.Hour;
     in_.PlaceLatitude = e.Latitude;
@@ -643,13 +643,15 @@ class Tabulator {
     auto& tally = run_.Tally;
     const int total = run_.CellCount + 1, all = run_.ColumnCount + 1;
     if (filter_.Active) {
-      if (extracted_ || column < filter_.FirstColumn || column > filter_.LastColumn) return;
+      // A record is written once for each column of the block it matches,
+      // and once only within a column.
+      if (extracted_[column] || column < filter_.FirstColumn || column > filter_.LastColumn) return;
       bool hit = cell >= filter_.FirstCell && cell <= filter_.LastCell && cell != 0;
       for (size_t k = 1; k < extra.size(); ++k)
         hit = hit || (extra[k] >= filter_.FirstCell && extra[k] <= filter_.LastCell && extra[k] != 0);
       if (hit && extract_) {
         extract_(n);
-        extracted_ = true;
+        extracted_[column] = 1;
       }
       return;
     }
@@ -695,7 +697,7 @@ class Tabulator {
   std::vector<int> origin_;
   std::vector<PointValue> values_;
   std::vector<std::vector<Classified>> memory_;
-  bool extracted_ = false;
+  std::vector<char> extracted_;  // per column, in filter mode
 };
 
 }  // namespace

@@ -141,9 +141,11 @@ bool AnchorFromText(Session& session, int dataType, const std::string& text, dou
 
 // The run. Opens (recalculating as needed) the transit cache of the
 // session's coordinate, casts each record's chart and counts. In filter
-// mode `extract` is called once for each record whose value falls in the
-// block. Messages go through the session; progress reports every tenth
-// record and a cancel stops the run with what it has counted.
+// mode nothing is counted: `extract` is called for a record whose value
+// falls in the block's cells once for each column of the block it matches
+// (so a record can come more than once). Messages go through the session;
+// progress reports every tenth record and a cancel stops the run with what
+// it has counted.
 struct FilterBlock {
   bool Active = false;
   int FirstCell = 0, LastCell = 0, FirstColumn = 0, LastColumn = 0;

@@ -49,6 +49,15 @@ TEST_F(CliResearch, PointListsTabulationAndExport) {
   EXPECT_GT(j["pValue"].get<double>(), 0.0);
   EXPECT_LT(j["pValue"].get<double>(), 0.05);  // the sectors after rising and culmination stand out
 
+  // The charts behind Gauquelin's sectors 1 to 3 (cells 34 to 36) to a new project.
+  const testing::CliRun filtered = RunVintar(dir, {"research", "filter", project, "--point", "Mars", "--data-type", "6",
+                                                   "--division", "504", "--cells", "34..36", dir.file("rising.dat"),
+                                                   "--json"});
+  ASSERT_EQ(filtered.status, 0) << filtered.err;
+  double rising = 0;
+  for (int cell = 34; cell <= 36; ++cell) rising += j["cells"][cell - 1]["counts"][0].get<double>();
+  EXPECT_EQ(filtered.json()["written"], rising);
+
   const std::string tsv = dir.file("signs.tsv");
   ASSERT_EQ(RunVintar(dir, {"research", "export", project, "--points", list, "--data-type", "0", "--out", tsv}).status,
             0);
@@ -74,6 +83,8 @@ TEST_F(CliResearch, BadInputEndsInAMessage) {
        "orb"},
       {{"research", "tabulate", project, "--point", "Mars", "--data-type", "2"}, "insufficient points"},
       {{"research", "tabulate", project, "--data-type", "0"}, "no points selected"},
+      {{"research", "filter", project, "--point", "Mars", "--cells", "12..13", dir.file("f.dat")}, "outside the table"},
+      {{"research", "filter", project, "--point", "Mars", "--cells", "1", project}, "current project"},
   };
   for (const Case& c : cases) {
     const testing::CliRun r = RunVintar(dir, c.args);

@@ -3,10 +3,12 @@
 // hand-counted project.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/project_file.h"
 #include "research/dignity.h"
+#include "research/extract.h"
 #include "research/tabulate.h"
 #include "support/test_support.h"
 
@@ -228,12 +230,31 @@ TEST_F(TabulateProject, CountsSunSignsUnderEachInexactRule) {
   }
 }
 
-TEST_F(TabulateProject, FilterModeNamesEachRecordOnce) {
+TEST_F(TabulateProject, FilterWritesEachRecordOncePerMatchingColumn) {
   std::vector<int> extracted;
-  FilterBlock block{true, 1, 1, 1, 1};  // the Sun in Aries
-  const TabulationRun run = Run(0, block, &extracted);
+  const TabulationRun run = Run(0, FilterBlock{true, 1, 1, 1, 1}, &extracted);  // the Sun in Aries
   EXPECT_EQ(extracted, (std::vector<int>{2, 5}));
   EXPECT_EQ(run.At(1, 1), 0);  // filter mode counts nothing
+
+  // The same point twice: a block over both columns writes each chart twice.
+  TabulateParams params;
+  params.Points = {PointRef{kChartPointType, kSun, 0, 0, 0}, PointRef{kChartPointType, kSun, 0, 0, 0}};
+  const std::string out = t.dir.file("aries.dat");
+  const FilterResult done = FilterToProject(t.session, state, params, {true, 1, 1, 1, 2}, out, "ARIES", false);
+  ASSERT_TRUE(done.Done);
+  EXPECT_EQ(done.Written, 4);
+  const std::string dat = testing::ReadBytes(out);
+  EXPECT_EQ(std::count(dat.begin(), dat.end(), '\n'), 4);
+  EXPECT_NE(dat.find("\"Chart 5\""), std::string::npos);
+  EXPECT_NE(testing::ReadBytes(t.dir.file("aries.nat")).find("\"ARIES\""), std::string::npos);
+  EXPECT_EQ(t.sink.messages.back().title, "Filtering Results");
+
+  // An existing file is refused, and so is the open project itself.
+  EXPECT_FALSE(FilterToProject(t.session, state, params, {true, 1, 1, 1, 2}, out, "x", false).Done);
+  EXPECT_FALSE(FilterToProject(t.session, state, params, {true, 1, 1, 1, 2}, t.session.project.ProjectPath, "x",
+                               true)
+                   .Done);
+  EXPECT_EQ(testing::ReadBytes(out), dat);
 }
 
 }  // namespace
