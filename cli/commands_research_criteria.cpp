@@ -195,7 +195,8 @@ bool BuildTerm(Context& ctx, ResearchState& state, const OrderedTerm& term, Crit
   in.InexactOption = 0;
   for (size_t k = 4; k < parts.size(); ++k) {
     const size_t eq = parts[k].find('=');
-    const std::string key = Trim(parts[k].substr(0, eq)), v = eq == std::string::npos ? "" : Trim(parts[k].substr(eq + 1));
+    const std::string key = Trim(parts[k].substr(0, eq));
+    const std::string v = eq == std::string::npos ? "" : Trim(parts[k].substr(eq + 1));
     if (EqualsIgnoreCase(key, "orb")) in.Orb = Val(v);
     else if (EqualsIgnoreCase(key, "harmonic")) in.Harmonic = static_cast<int>(Val(v));
     else if (EqualsIgnoreCase(key, "min")) minMatches = static_cast<int>(Val(v));
@@ -226,7 +227,8 @@ bool BuildTerm(Context& ctx, ResearchState& state, const OrderedTerm& term, Crit
   in.CellCount = CellCountsOf(p).CellCount;
   if (in.CellCount < 1 || in.CellCount > kCriterionCells)
     return refuse("The division of \"" + value + "\" has no cells with these settings.");
-  if (!ParseCells(parts[3], in.Cells)) return refuse("The cells \"" + parts[3] + "\" are not a list such as 1,5,9 or 1..3.");
+  if (!ParseCells(parts[3], in.Cells))
+    return refuse("The cells \"" + parts[3] + "\" are not a list such as 1,5,9 or 1..3.");
   for (int c : in.Cells)
     if (c > in.CellCount)
       return refuse("Cell " + std::to_string(c) + " is beyond the " + std::to_string(in.CellCount) +
