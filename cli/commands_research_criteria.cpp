@@ -18,6 +18,7 @@
 #include <sstream>
 
 #include "cli/commands.h"
+#include "core/file_io.h"
 #include "core/project_file.h"
 #include "core/project_ops.h"
 #include "research/dignity.h"
@@ -133,8 +134,8 @@ bool CheckNewProjectPath(Context& ctx, const std::string& out, const std::string
 namespace {
 
 struct CriteriaArgs {
-  std::string criteriaFile, saveCriteria, savePassed;
-  bool disableFailed = false;
+  std::string criteriaFile, saveCriteria, savePassed, report;
+  bool disableFailed = false, passedOnly = false;
   std::vector<std::string> words;
 };
 
@@ -305,6 +306,17 @@ int RunCriteria(Context& ctx, CriteriaArgs& a) {
       if (flags[i]) d.push_back(std::to_string(i) + "  " + s.project.Events[i].Description);
     return d;
   }();
+  if (!a.report.empty()) {
+    // The Search Results Report as text, before any action changes the project.
+    std::string text;
+    for (const auto& l : SearchResultsReport(s, lines, flags, !a.passedOnly)) text += l + kLineEnd;
+    std::string error;
+    if (!WriteFileAtomically(a.report, text, error)) {
+      s.ShowMessage("Unable to save file: " + a.report + kLineEnd + "Reason: " + error, kIconExclamation, "Vintar");
+      return fail();
+    }
+    body["report"] = JPath(a.report);
+  }
   if (!ApplyResultActions(ctx, flags, a.disableFailed, a.savePassed, body)) return fail();
 
   if (ctx.json) {
@@ -333,6 +345,8 @@ void AddResearchCriteriaCommand(CLI::App& research, Context& ctx, Action& action
   cmd->add_option("--save-criteria", a->saveCriteria, "Save the list as a criteria file (.vcr)");
   cmd->add_flag("--disable-failed", a->disableFailed, "Disable the records that failed and save the project");
   cmd->add_option("--save-passed", a->savePassed, "Save the passed records as a new project (.dat)");
+  cmd->add_option("--report", a->report, "Write the Search Results Report as text to this file");
+  cmd->add_flag("--passed-only", a->passedOnly, "The report lists only the passed records (else all, passed marked)");
   cmd->footer(
       "PROJECT.dat and the tests, in order:\n"
       "  --test POINT:DATATYPE:DIVISION:CELLS[:orb=X][:harmonic=H][:min=N][:cells=N][:rulers=old][:inexact=N]\n"

@@ -57,6 +57,15 @@ TEST_F(CliResearch, PointListsTabulationAndExport) {
   double rising = 0;
   for (int cell = 34; cell <= 36; ++cell) rising += j["cells"][cell - 1]["counts"][0].get<double>();
   EXPECT_EQ(filtered.json()["written"], rising);
+  // The same charts found by the criteria search, with its report as text.
+  const std::string report = dir.file("report.txt");
+  ASSERT_EQ(RunVintar(dir, {"research", "criteria", project, "--test", "Mars:6:504:34..36", "--report", report,
+                            "--passed-only"})
+                .status,
+            0);
+  EXPECT_NE(testing::ReadBytes(report).find("Records which Passed Criteria : " +
+                                            std::to_string(static_cast<int>(rising)) + "\r\n"),
+            std::string::npos);
 
   const std::string tsv = dir.file("signs.tsv");
   ASSERT_EQ(RunVintar(dir, {"research", "export", project, "--points", list, "--data-type", "0", "--out", tsv}).status,
