@@ -78,60 +78,6 @@ bool IsCurrent(const EventPositionRecord& c, const EventRecord& e) {
   return true;
 }
 
-// The old cache file, read in blocks. Records past the project's count
-// are never looked at, so a huge file costs nothing.
-class CacheReader {
- public:
-  ~CacheReader() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  // Opens the file if there is one; an absent or unreadable file holds no records.
-  void Open(const std::string& path, long long wanted) {
-    fd_ = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (fd_ < 0) return;
-    struct stat info {};
-    if (::fstat(fd_, &info) != 0 || !S_ISREG(info.st_mode)) return;
-    // Whole records only: a record cut short counts as absent.
-    present_ = std::min<long long>(wanted, static_cast<long long>(info.st_size) / kCacheRecordSize);
-  }
-  long long Present() const { return present_; }
-
-  // The bytes of record n (from 1) when it is present in the file.
-  const unsigned char* Record(long long n) {
-    if (n < 1 || n > present_) return nullptr;
-    if (n < blockFirst_ || n >= blockFirst_ + blockCount_) {
-      const long long count = std::min<long long>(kBlockRecords, present_ - n + 1);
-      block_.resize(static_cast<size_t>(count) * kCacheRecordSize);
-      if (!ReadAt(block_.data(), block_.size(), (n - 1) * kCacheRecordSize)) {
-        // An unreadable stretch is treated as absent from here on.
-        present_ = n - 1;
-        blockCount_ = 0;
-        return nullptr;
-      }
-      blockFirst_ = n;
-      blockCount_ = count;
-    }
-    return block_.data() + (n - blockFirst_) * kCacheRecordSize;
-  }
-
- private:
-  bool ReadAt(unsigned char* out, size_t size, long long at) {
-    size_t done = 0;
-    while (done < size) {
-      ssize_t r = ::pread(fd_, out + done, size - done, static_cast<off_t>(at + static_cast<long long>(done)));
-      if (r < 0 && errno == EINTR) continue;
-      if (r <= 0) return false;
-      done += static_cast<size_t>(r);
-    }
-    return true;
-  }
-
-  int fd_ = -1;
-  long long present_ = 0;
-  std::vector<unsigned char> block_;
-  long long blockFirst_ = 0;
-  long long blockCount_ = 0;
-};
 
 // The new cache file, written through a temporary file that replaces the
 // old one only when it is complete: a run that fails or is killed leaves
@@ -548,6 +494,48 @@ bool Recalculate(Session& session, const std::string& path, int count, RunSettin
 }
 
 }  // namespace
+
+CacheReader::~CacheReader() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+bool CacheReader::Open(const std::string& path, long long wanted) {
+  fd_ = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (fd_ < 0) return false;
+  struct stat info {};
+  if (::fstat(fd_, &info) != 0 || !S_ISREG(info.st_mode)) return false;
+  // Whole records only: a record cut short counts as absent.
+  present_ = std::min<long long>(wanted, static_cast<long long>(info.st_size) / kCacheRecordSize);
+  return true;
+}
+
+const unsigned char* CacheReader::Record(long long n) {
+  if (n < 1 || n > present_) return nullptr;
+  if (n < blockFirst_ || n >= blockFirst_ + blockCount_) {
+    const long long count = std::min<long long>(kBlockRecords, present_ - n + 1);
+    block_.resize(static_cast<size_t>(count) * kCacheRecordSize);
+    if (!ReadAt(block_.data(), block_.size(), (n - 1) * kCacheRecordSize)) {
+      // An unreadable stretch is treated as absent from here on.
+      present_ = n - 1;
+      blockCount_ = 0;
+      return nullptr;
+    }
+    blockFirst_ = n;
+    blockCount_ = count;
+  }
+  return block_.data() + (n - blockFirst_) * kCacheRecordSize;
+}
+
+bool CacheReader::ReadAt(unsigned char* out, size_t size, long long at) {
+  size_t done = 0;
+  while (done < size) {
+    ssize_t r = ::pread(fd_, out + done, size - done, static_cast<off_t>(at + static_cast<long long>(done)));
+    if (r < 0 && errno == EINTR) continue;
+    if (r <= 0) return false;
+    done += static_cast<size_t>(r);
+  }
+  return true;
+}
 
 void EncodeCacheRecord(const EventPositionRecord& r, unsigned char* out) {
   std::memset(out, 0, kCacheRecordSize);

@@ -25,6 +25,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "core/progress.h"
 #include "core/session.h"
@@ -83,6 +84,30 @@ void CalcEvents(Session& session, int coordinate, int dynamicType, int progressi
 // for a date alone or half a day for a time known to the hour. The range
 // of the event is its stored moment less and plus this.
 double EventHalfSpan(const EventRecord& event);
+
+// A cache file read in blocks, for a pass over its records in order.
+// Records past `wanted` are never looked at, so a huge file costs nothing;
+// a record cut short, or a stretch that cannot be read, counts as absent.
+class CacheReader {
+ public:
+  CacheReader() = default;
+  ~CacheReader();
+  CacheReader(const CacheReader&) = delete;
+  CacheReader& operator=(const CacheReader&) = delete;
+  // False when there is no regular file to read: it then holds no records.
+  bool Open(const std::string& path, long long wanted);
+  long long Present() const { return present_; }
+  // The bytes of record n (from 1), or null when the file does not hold it.
+  const unsigned char* Record(long long n);
+
+ private:
+  bool ReadAt(unsigned char* out, size_t size, long long at);
+  int fd_ = -1;
+  long long present_ = 0;
+  std::vector<unsigned char> block_;
+  long long blockFirst_ = 0;
+  long long blockCount_ = 0;
+};
 
 // Reads record n (from 1) of a cache file; false when the file is shorter.
 bool ReadCacheRecord(const std::string& path, int n, EventPositionRecord& record);

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <fstream>
 #include <iomanip>
 #include <sstream>
 
@@ -552,7 +551,7 @@ CriteriaRun RunSearch(Session& session, ResearchState& state, const CriteriaList
     const int count = static_cast<int>(
         std::clamp<long long>(project.Header.RecordCount, 0, static_cast<long long>(project.Events.size()) - 1));
     const int coordinate = session.cache.Coordinate == kHeliocentric ? kHeliocentric : kGeocentric;
-    std::ifstream cache;
+    CacheReader cache;
     if (needsPositions && count > 0) {
       const int method = std::clamp<int>(session.cache.ProgressionMethod, kNaibod, kMeanQuotidian);
       bool cancelled = false;
@@ -561,8 +560,7 @@ CriteriaRun RunSearch(Session& session, ResearchState& state, const CriteriaList
         run.Cancelled = true;
         return run;
       }
-      cache.open(CacheFileName(project.ProjectPath, coordinate, kTransits), std::ios::binary);
-      if (!cache) {
+      if (!cache.Open(CacheFileName(project.ProjectPath, coordinate, kTransits), count)) {
         session.ShowMessage("The position file of this project could not be read.", kIconExclamation, "Error");
         run.Failed = true;
         return run;
@@ -573,9 +571,6 @@ CriteriaRun RunSearch(Session& session, ResearchState& state, const CriteriaList
     CriteriaEvaluator evaluator(session, state, list);
     const EventPositionRecord none = NoPositions();
     EventPositionRecord cached = none;
-    constexpr int kBlock = 4096;
-    std::vector<unsigned char> block;
-    int blockFirst = 1, blockCount = 0;
     for (int i = 1; i <= count; ++i) {
       if (progress && i % 10 == 0) {
         progress->Status(std::to_string(i) + "/" + std::to_string(count));
@@ -590,16 +585,8 @@ CriteriaRun RunSearch(Session& session, ResearchState& state, const CriteriaList
       ++run.Enabled;
       cached = none;
       if (needsPositions) {
-        if (i >= blockFirst + blockCount) {
-          blockFirst = i;
-          block.resize(static_cast<size_t>(kBlock) * kCacheRecordSize);
-          cache.clear();
-          cache.seekg(static_cast<std::streamoff>(i - 1) * kCacheRecordSize);
-          cache.read(reinterpret_cast<char*>(block.data()), static_cast<std::streamsize>(block.size()));
-          blockCount = static_cast<int>(cache.gcount() / kCacheRecordSize);
-        }
-        if (i < blockFirst + blockCount) {
-          cached = DecodeCacheRecord(block.data() + static_cast<size_t>(i - blockFirst) * kCacheRecordSize);
+        if (const unsigned char* bytes = cache.Record(i)) {
+          cached = DecodeCacheRecord(bytes);
           if (!CacheRecordUsable(cached)) cached = none;
         }
       }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 
 #include "calc/astro.h"
 #include "calc/cache.h"
@@ -769,10 +768,9 @@ TabulationRun TabulateRun(Session& session, ResearchState& state, const Tabulate
     ProjectState& project = session.project;
     const int count = static_cast<int>(
         std::min<long long>(project.Header.RecordCount, static_cast<long long>(project.Events.size()) - 1));
-    std::ifstream cache;
+    CacheReader cache;
     if (p.DataType != kNatalDetailsData && count > 0) {
-      cache.open(CacheFileName(project.ProjectPath, coordinate, kTransits), std::ios::binary);
-      if (!cache) {
+      if (!cache.Open(CacheFileName(project.ProjectPath, coordinate, kTransits), count)) {
         session.ShowMessage("The position file of this project could not be read.", kIconExclamation, "Error");
         run.Failed = true;
         return run;
@@ -780,9 +778,6 @@ TabulationRun TabulateRun(Session& session, ResearchState& state, const Tabulate
     }
 
     Tabulator tabulator(session, state, p, run, filter, extract);
-    constexpr int kBlock = 4096;
-    std::vector<unsigned char> block;
-    int blockFirst = 1, blockCount = 0;
     EventPositionRecord cached;
     for (int i = 1; i <= count; ++i) {
       if (progress && i % 10 == 0) {
@@ -807,20 +802,13 @@ TabulationRun TabulateRun(Session& session, ResearchState& state, const Tabulate
         continue;
       }
       if (p.DataType != kNatalDetailsData) {
-        if (i >= blockFirst + blockCount) {
-          blockFirst = i;
-          block.resize(static_cast<size_t>(kBlock) * kCacheRecordSize);
-          cache.clear();
-          cache.seekg(static_cast<std::streamoff>(i - 1) * kCacheRecordSize);
-          cache.read(reinterpret_cast<char*>(block.data()), static_cast<std::streamsize>(block.size()));
-          blockCount = static_cast<int>(cache.gcount() / kCacheRecordSize);
-        }
-        if (i >= blockFirst + blockCount) {
+        const unsigned char* bytes = cache.Record(i);
+        if (bytes == nullptr) {
           // The cache is shorter than the project: nothing to read here.
           ++run.SkippedNoPosition;
           continue;
         }
-        cached = DecodeCacheRecord(block.data() + static_cast<size_t>(i - blockFirst) * kCacheRecordSize);
+        cached = DecodeCacheRecord(bytes);
         if (!CacheRecordUsable(cached)) {
           ++run.SkippedNoPosition;
           continue;
