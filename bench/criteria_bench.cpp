@@ -5,10 +5,7 @@
 // figure to read; the target is 100,000 records a second.
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
-#include <fstream>
-#include <random>
-
+#include "bench/synthetic_project.h"
 #include "calc/cache.h"
 #include "core/session.h"
 #include "research/criteria.h"
@@ -16,59 +13,15 @@
 namespace {
 
 using namespace vintar;
-namespace fs = std::filesystem;
-
 constexpr int kCharts = 100000;
 
 struct BigProject {
-  CapturingSink sink;
-  Session session{sink};
+  bench::SyntheticProject generated{"vintar-bench-criteria", kCharts};
+  Session& session = generated.session;
   ResearchState state;
   CriteriaList list;
-  fs::path dir = fs::temp_directory_path() / "vintar-bench-criteria";
 
   BigProject() {
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-    StartupOptions options;
-    options.ConfigDir = (dir / "config").string();
-    options.UserDataPath = (dir / "userdata").string();
-    StartSession(session, options);
-    ProjectState& p = session.project;
-    p.ProjectPath = (dir / "big.dat").string();
-    p.Events.assign(kCharts + 1, EventRecord{});
-    p.Header.RecordCount = kCharts;
-    p.Open = true;
-    std::mt19937 rng(7);
-    std::uniform_real_distribution<double> turn(0.0, 360.0), lat(-60.0, 60.0);
-    std::vector<unsigned char> bytes(static_cast<size_t>(kCharts) * kCacheRecordSize);
-    for (int n = 1; n <= kCharts; ++n) {
-      EventRecord& e = p.Events[n];
-      e.Description = "Chart " + std::to_string(n);
-      e.Year = static_cast<int16_t>(1900 + rng() % 100);
-      e.Month = static_cast<uint8_t>(1 + rng() % 12);
-      e.Day = static_cast<uint8_t>(1 + rng() % 28);
-      e.Hour = static_cast<uint8_t>(rng() % 24);
-      e.Minute = static_cast<uint8_t>(rng() % 60);
-      e.DetailLevel = 3;
-      e.Longitude = static_cast<float>(turn(rng) - 180.0);
-      e.Latitude = static_cast<float>(lat(rng));
-      e.Enabled = kTrue;
-      EventPositionRecord r;
-      r.Year = e.Year, r.Month = e.Month, r.Day = e.Day, r.TimeAccuracy = e.DetailLevel;
-      r.Hour = e.Hour, r.Minute = e.Minute, r.Second = 0;
-      r.Zone = e.ZoneHours, r.Longitude = e.Longitude, r.Latitude = e.Latitude;
-      for (int q = 1; q <= kPoints; ++q) {
-        r.StartPos[q] = r.EndPos[q] = static_cast<float>(turn(rng));
-        r.StartLat[q] = r.EndLat[q] = 0.5f;
-        r.Motion[q] = 1;
-      }
-      EncodeCacheRecord(r, bytes.data() + static_cast<size_t>(n - 1) * kCacheRecordSize);
-    }
-    std::ofstream(CacheFileName(p.ProjectPath, kGeocentric, kTransits), std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    for (auto& method : session.cache.Valid[kGeocentric][kTransits]) method = kTrue;
-
     // Sun in fire And (Moon in houses 1-6 Or Not Mars in Aries) Xor ((Venus
     // square Saturn And Jupiter in dignity) Or Mercury declination north)
     // Or Mars in sector 34-36 And born 6-12 h Or Saturn in Capricorn.
@@ -97,7 +50,6 @@ struct BigProject {
     add(kSaturn, 0, 0, {10}, 1, 0);
     add(kMoon, 0, 3, {2}, 0, 0);
   }
-  ~BigProject() { fs::remove_all(dir); }
 };
 
 BigProject& Project() {

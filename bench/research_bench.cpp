@@ -3,14 +3,12 @@
 // longitude types (signs, dignities, aspects of 55 pairs, harmonic degrees,
 // latitude), those that compute more per point (houses with their cusps,
 // right ascension, declination, the diurnal position, azimuth, altitude)
-// and the natal details, which read no positions. The counter `charts/s` is the figure to read; the target for the
-// longitude types is 100,000 charts a second.
+// and the natal details, which read no positions. The counter `charts/s`
+// is the figure to read; the target for the longitude types is 100,000
+// charts a second.
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
-#include <fstream>
-#include <random>
-
+#include "bench/synthetic_project.h"
 #include "calc/cache.h"
 #include "core/calendar.h"
 #include "core/session.h"
@@ -19,59 +17,12 @@
 namespace {
 
 using namespace vintar;
-namespace fs = std::filesystem;
-
 constexpr int kCharts = 100000;
 
 struct BigProject {
-  CapturingSink sink;
-  Session session{sink};
+  bench::SyntheticProject generated{"vintar-bench-research", kCharts};
+  Session& session = generated.session;
   ResearchState state;
-  fs::path dir = fs::temp_directory_path() / "vintar-bench-research";
-
-  BigProject() {
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-    StartupOptions options;
-    options.ConfigDir = (dir / "config").string();
-    options.UserDataPath = (dir / "userdata").string();
-    StartSession(session, options);
-    ProjectState& p = session.project;
-    p.ProjectPath = (dir / "big.dat").string();
-    p.Events.assign(kCharts + 1, EventRecord{});
-    p.Header.RecordCount = kCharts;
-    p.Open = true;
-    std::mt19937 rng(7);
-    std::uniform_real_distribution<double> turn(0.0, 360.0), lat(-60.0, 60.0);
-    std::vector<unsigned char> bytes(static_cast<size_t>(kCharts) * kCacheRecordSize);
-    for (int n = 1; n <= kCharts; ++n) {
-      EventRecord& e = p.Events[n];
-      e.Description = "Chart " + std::to_string(n);
-      e.Year = static_cast<int16_t>(1900 + rng() % 100);
-      e.Month = static_cast<uint8_t>(1 + rng() % 12);
-      e.Day = static_cast<uint8_t>(1 + rng() % 28);
-      e.Hour = static_cast<uint8_t>(rng() % 24);
-      e.Minute = static_cast<uint8_t>(rng() % 60);
-      e.DetailLevel = 3;
-      e.Longitude = static_cast<float>(turn(rng) - 180.0);
-      e.Latitude = static_cast<float>(lat(rng));
-      e.Enabled = kTrue;
-      EventPositionRecord r;
-      r.Year = e.Year, r.Month = e.Month, r.Day = e.Day, r.TimeAccuracy = e.DetailLevel;
-      r.Hour = e.Hour, r.Minute = e.Minute, r.Second = 0;
-      r.Zone = e.ZoneHours, r.Longitude = e.Longitude, r.Latitude = e.Latitude;
-      for (int q = 1; q <= kPoints; ++q) {
-        r.StartPos[q] = r.EndPos[q] = static_cast<float>(turn(rng));
-        r.StartLat[q] = r.EndLat[q] = 0.5f;
-        r.Motion[q] = 1;
-      }
-      EncodeCacheRecord(r, bytes.data() + static_cast<size_t>(n - 1) * kCacheRecordSize);
-    }
-    std::ofstream(CacheFileName(p.ProjectPath, kGeocentric, kTransits), std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    for (auto& method : session.cache.Valid[kGeocentric][kTransits]) method = kTrue;
-  }
-  ~BigProject() { fs::remove_all(dir); }
 };
 
 BigProject& Project() {
