@@ -396,6 +396,15 @@ void ResetProjectHeader(ProjectHeader& header) {
   header.LatestTime = "11:59 pm";
 }
 
+void SetNoNatalChart(ProjectHeader& header) {
+  header.Time = "Unknown";
+  header.Place = "Nowhere";
+  header.Latitude = "00N00";
+  header.Longitude = "000W00";
+  header.ZoneMnemonic = "GMT";
+  header.ZoneTime = "+0:00";
+}
+
 std::string NatPathFor(const std::string& datPath) {
   std::string path = RTrim(datPath);
   if (path.size() >= 4) path.resize(path.size() - 4);

@@ -43,6 +43,10 @@ void SetNewProjectHeader(ProjectHeader& header);
 // The header cleared for a new session: Time "Unknown", the search window
 // "0:00 am" to "11:59 pm", everything else empty, counts 0.
 void ResetProjectHeader(ProjectHeader& header);
+// The natal fields of a project made from other records, which has no
+// natal chart of its own: time "Unknown", place "Nowhere" at 00N00 000W00,
+// zone GMT +0:00. Name and date are the caller's.
+void SetNoNatalChart(ProjectHeader& header);
 // The .nat companion of a .dat: the right-trimmed path with its last four
 // characters replaced by ".nat".
 std::string NatPathFor(const std::string& datPath);

@@ -111,12 +111,7 @@ void FillHeader(Session& session, const ControlOptions& options, ControlProject&
     const EventRecord& first = out.Events[1];
     h.Date = FormatDate(session, first.Day, first.Month, first.Year);
   }
-  h.Time = "Unknown";
-  h.Place = "Nowhere";
-  h.Latitude = "00N00";
-  h.Longitude = "000W00";
-  h.ZoneMnemonic = "GMT";
-  h.ZoneTime = "+0:00";
+  SetNoNatalChart(h);
   h.RecordCount = static_cast<int32_t>(out.Events.size()) - 1;
   ComputeHeaderJulianDays(session, h);
   out.Notepad = std::string("Vintar Project: ") + h.Title + kLineEnd + "Control data (" + kind +

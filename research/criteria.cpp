@@ -663,12 +663,7 @@ bool CreatePassedProject(Session& session, std::vector<int16_t>& flags) {
   h.Title += " - After Search Criteria";
   h.Name = "n/a";
   h.Date = "1 Jan 2000";
-  h.Time = "Unknown";
-  h.Place = "Nowhere";
-  h.Latitude = "00N00";
-  h.Longitude = "000W00";
-  h.ZoneMnemonic = "GMT";
-  h.ZoneTime = "+0:00";
+  SetNoNatalChart(h);
   ComputeHeaderJulianDays(session, h);
   RebuildCategoryIndex(session, h, p.Events, p.Categories, nullptr);
   session.cache.Clear();
