@@ -17,8 +17,7 @@ using testing::RunVintar;
 TEST(CliControl, SeededRunsRepeatTheBaseStaysAndBadInputWritesNothing) {
   testing::TempDir dir;
   const std::string project = dir.file("a1.dat"), fresh = dir.file("new.dat");
-  for (const char* ext : {".dat", ".nat"})
-    std::filesystem::copy_file(std::string(VINTAR_SAMPLES_DIR) + "/gauquelin_a1" + ext, dir.file(std::string("a1") + ext));
+  testing::CopySampleProject(dir, "gauquelin_a1", "a1");
   auto control = [&](std::vector<std::string> args) {
     args.insert(args.begin(), {"research", "control"});
     return RunVintar(dir, args);

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
 
 #include "cli/cli_runner.h"
 #include "support/test_support.h"
@@ -18,13 +17,8 @@ using testing::RunVintar;
 
 class CliCriteria : public ::testing::Test {
  protected:
-  void SetUp() override {
-    for (const char* ext : {".dat", ".nat"})
-      std::filesystem::copy_file(std::string(VINTAR_SAMPLES_DIR) + "/gauquelin_a1" + ext,
-                                 dir.file(std::string("a1") + ext));
-  }
   testing::TempDir dir;
-  std::string project = dir.file("a1.dat");
+  std::string project = testing::CopySampleProject(dir, "gauquelin_a1", "a1");
 };
 
 TEST_F(CliCriteria, SearchSelectAndSavePassed) {

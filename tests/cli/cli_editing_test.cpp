@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
 
 #include "cli/cli_runner.h"
 #include "support/test_support.h"
@@ -16,8 +15,7 @@ using testing::RunVintar;
 TEST(CliEditing, ProjectRecordNatalAndCategoryCommands) {
   testing::TempDir dir;
   const std::string fam = dir.file("fam.dat"), ash = dir.file("ashgrove.dat");
-  for (const char* ext : {".dat", ".nat"})
-    std::filesystem::copy_file(std::string(VINTAR_SAMPLES_DIR) + "/ashgrove" + ext, dir.file(std::string("ashgrove") + ext));
+  testing::CopySampleProject(dir, "ashgrove", "ashgrove");
   struct Step {
     std::vector<std::string> args;
     int status;

@@ -40,4 +40,12 @@ inline CliRun RunVintar(const TempDir& dir, const std::vector<std::string>& args
   return r;
 }
 
+// Copies a sample project (its .dat and .nat) into `dir` as `as`; returns
+// the copy's .dat path. Tests never write into samples/.
+inline std::string CopySampleProject(const TempDir& dir, const std::string& stem, const std::string& as) {
+  for (const char* ext : {".dat", ".nat"})
+    WriteBytes(dir.file(as + ext), ReadBytes(std::string(VINTAR_SAMPLES_DIR) + "/" + stem + ext));
+  return dir.file(as + ".dat");
+}
+
 }  // namespace vintar::testing
