@@ -537,9 +537,7 @@ SplitResult SplitProject(Session& session, int32_t first, int32_t last, const st
   result.last = last;
   try {
     const std::string dest = RTrim(target);
-    std::error_code ec;
-    const bool same = !Trim(p.ProjectPath).empty() &&
-                      (dest == RTrim(p.ProjectPath) || std::filesystem::equivalent(dest, RTrim(p.ProjectPath), ec));
+    const bool same = !Trim(p.ProjectPath).empty() && SamePath(dest, RTrim(p.ProjectPath));
     if (dest.empty() || same) {
       session.ShowMessage("The split events cannot be written over the current project. Please choose another file.",
                           kIconExclamation, "File Error");

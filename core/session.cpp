@@ -184,6 +184,11 @@ bool FileExists(const std::string& path) {
   return std::filesystem::is_regular_file(path, ec);
 }
 
+bool SamePath(const std::string& a, const std::string& b) {
+  std::error_code ec;
+  return a == b || std::filesystem::equivalent(a, b, ec);
+}
+
 bool FolderExists(const std::string& path) {
   if (Trim(path).empty()) return false;
   std::error_code ec;

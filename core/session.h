@@ -113,5 +113,8 @@ std::string PathFolder(const std::string& path);     // with trailing separator
 std::string ReplaceExtension(const std::string& path, const std::string& ext);  // ext with dot
 bool FileExists(const std::string& path);
 bool FolderExists(const std::string& path);
+// Whether two paths name the same file: equal texts, or one file reached by
+// two names (links, "./", case on a folding file system).
+bool SamePath(const std::string& a, const std::string& b);
 
 }  // namespace vintar

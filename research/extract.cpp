@@ -20,15 +20,6 @@ ExtractScreen ExtractScreenFor(const Session& session, const TabulationRun& run,
   return screen;
 }
 
-namespace {
-
-bool SamePath(const std::string& a, const std::string& b) {
-  std::error_code ec;
-  return a == b || std::filesystem::equivalent(a, b, ec);
-}
-
-}  // namespace
-
 FilterResult FilterToProject(Session& session, ResearchState& state, const TabulateParams& params,
                              const FilterBlock& block, const std::string& path, const std::string& title,
                              bool overwrite, Progress* progress) {
