@@ -274,27 +274,6 @@ std::string PText(double p) {
   return t.str();
 }
 
-// The usual goodness of fit of a column against an even spread over the
-// real cells.
-struct Fit {
-  double Chi = 0;
-  int Dof = 0;
-  double P = 1;
-  bool Valid = false;
-};
-Fit GoodnessOfFit(const TabulationRun& run, int column) {
-  Fit f;
-  double total = 0;
-  for (int c = 1; c <= run.UsedCells; ++c) total += run.At(c, column);
-  if (run.UsedCells < 2 || total <= 0) return f;
-  const double expected = total / run.UsedCells;
-  for (int c = 1; c <= run.UsedCells; ++c) f.Chi += std::pow(run.At(c, column) - expected, 2) / expected;
-  f.Dof = run.UsedCells - 1;
-  f.P = ChiSquareProbability(f.Chi, f.Dof);
-  f.Valid = true;
-  return f;
-}
-
 bool Fourier(const TabulationRun& run) { return run.Params.DataType == kHarmonicData; }
 
 nlohmann::json RunJson(const Session& s, const TabulationRun& run) {
@@ -322,7 +301,7 @@ nlohmann::json RunJson(const Session& s, const TabulationRun& run) {
     nlohmann::json col{{"column", c <= run.ColumnCount ? J(run.ColumnNames[c]) : nlohmann::json("TOTAL")},
                        {"total", run.At(totalRow, c)}};
     if (!Fourier(run)) {
-      const Fit f = GoodnessOfFit(run, c);
+      const EvenSpreadFit f = EvenSpreadTest(run, c);
       col["chiSquare"] = f.Chi, col["dof"] = f.Dof, col["pValue"] = f.P;
     }
     const ColumnTest t = PeakTest(run, c);
@@ -342,7 +321,7 @@ nlohmann::json RunJson(const Session& s, const TabulationRun& run) {
     col["block"] = block;
     stats.push_back(col);
   }
-  const Fit top = GoodnessOfFit(run, run.ColumnCount == 1 ? 1 : all);
+  const EvenSpreadFit top = EvenSpreadTest(run, run.ColumnCount == 1 ? 1 : all);
   nlohmann::json body{{"dataType", run.Params.DataType},
                       {"division", run.Params.Code},
                       {"divisionName", J(s.vocab.DivisionName.size() > static_cast<size_t>(run.Params.Code)
@@ -410,7 +389,8 @@ std::string RunText(const Session& s, const TabulationRun& run, int style) {
   for (int c = 1; c <= all; ++c) {
     const std::vector<std::string> block = StatisticsBlock(s, run, c);
     if (c == all && run.ColumnCount == 1) break;  // the total of one column is that column
-    const Fit f = Fourier(run) || run.Params.DataType == kNatalDetailsData ? Fit{} : GoodnessOfFit(run, c);
+    const bool fits = !Fourier(run) && run.Params.DataType != kNatalDetailsData;
+    const EvenSpreadFit f = fits ? EvenSpreadTest(run, c) : EvenSpreadFit{};
     if (block.empty() && !f.Valid) continue;
     t << ForTerminal(heads[c - 1]) << ":";
     for (const auto& line : block) t << "  " << ForTerminal(line);

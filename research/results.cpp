@@ -287,6 +287,20 @@ ColumnTest CellTest(const TabulationRun& run, int cell, int column) {
   return TestAgainst(run, TallyAt(run, cell, column), expected, ChiSquareApplies(run) || harmonicAspect);
 }
 
+EvenSpreadFit EvenSpreadTest(const TabulationRun& run, int column) {
+  EvenSpreadFit f;
+  if (!ValidColumn(run, column)) return f;
+  double total = 0;
+  for (int c = 1; c <= run.UsedCells; ++c) total += run.At(c, column);
+  if (run.UsedCells < 2 || total <= 0) return f;
+  const double expected = total / run.UsedCells;
+  for (int c = 1; c <= run.UsedCells; ++c) f.Chi += std::pow(run.At(c, column) - expected, 2) / expected;
+  f.Dof = run.UsedCells - 1;
+  f.P = ChiSquareProbability(f.Chi, f.Dof);
+  f.Valid = true;
+  return f;
+}
+
 std::vector<std::string> StatisticsBlock(const Session& session, const TabulationRun& run, int column) {
   int code = run.Params.Code;
   if (code == 301 || code == 303 || !ValidColumn(run, column)) return {};

@@ -78,6 +78,20 @@ ColumnTest PeakTest(const TabulationRun& run, int column);
 // the share of the circle its orbs cover, and the test is shown too.
 ColumnTest CellTest(const TabulationRun& run, int cell, int column);
 
+// The usual goodness of fit of a column against an even spread over its
+// real cells (1..UsedCells): the sum of (count - mean)^2 / mean, with
+// UsedCells - 1 degrees of freedom and the probability of the series above.
+// Not valid with fewer than two cells or nothing counted. A research reader's
+// figure beside the one-cell test; an even spread is rarely the right
+// expectation, which is what control data are for.
+struct EvenSpreadFit {
+  double Chi = 0;
+  int Dof = 0;
+  double P = 1;
+  bool Valid = false;
+};
+EvenSpreadFit EvenSpreadTest(const TabulationRun& run, int column);
+
 // The statistics block of a column as lines ("Avg Count = 8.33", "Division
 // = Aries", "Count = 14.0", "Chi Sq (11) = 3.3", "Prob. = 1 in 2"); empty
 // when the peak is 0 or the code shows none.

@@ -289,6 +289,11 @@ TEST(ResultsScreen, PointerLabelsAnchorAndFilterBlock) {
   EXPECT_EQ(label[1], "Count = 21.0");
   EXPECT_EQ(label[2], "Chi Sq(11) = 12.1");  // (21 - 10)^2 / 10
   EXPECT_TRUE(CellPointerLabel(t.session, run, 13, 1).empty());
+  // The even-spread fit sums every cell: (21 - 10)^2 / 10 + 11 * (9 - 10)^2 / 10.
+  const EvenSpreadFit fit = EvenSpreadTest(run, 1);
+  EXPECT_NEAR(fit.Chi, 13.2, 1e-9);
+  EXPECT_EQ(fit.Dof, 11);
+  EXPECT_NEAR(fit.P, ChiSquareProbability(13.2, 11), 1e-12);
 
   double value = 0;
   std::string shown;
