@@ -13,7 +13,6 @@
 // spread, with its degrees of freedom and probability. The top-level
 // "chiSquare", "dof" and "pValue" of the JSON are the goodness of fit of
 // the only column, or of the TOTAL column when there are several.
-#include <cmath>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
