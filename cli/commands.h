@@ -32,6 +32,14 @@ void AddRectifyGraphCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifySearchCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifyAutoCommands(CLI::App& rectify, Context& ctx, Action& action);
 void AddRectifyValidateCommand(CLI::App& rectify, Context& ctx, Action& action);
+// `vintar group`: search and report here; strips draw, in cli/output/.
+void AddGroupCommands(CLI::App& app, Context& ctx, Action& action);
+void AddGroupStripsCommand(CLI::App& group, Context& ctx, Action& action);
+void AddGroupReportCommand(CLI::App& group, Context& ctx, Action& action);
+// `vintar report NAME ...`: any printed report to PDF (cli/output/).
+void AddReportCommands(CLI::App& app, Context& ctx, Action& action);
+// Its group reports, "group-search" and "group-display" (cli/output/).
+void AddGroupReportCommands(CLI::App& report, Context& ctx, Action& action);
 // The File menu's operations under `vintar project` (new, merge, split, sort, title, delete).
 void AddProjectOpsCommands(CLI::App& project, Context& ctx, Action& action);
 

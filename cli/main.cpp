@@ -26,6 +26,8 @@ int main(int argc, char** argv) {
   AddAtlasCommands(app, ctx, action);
   AddRecordCommands(app, ctx, action);
   AddResearchCommands(app, ctx, action);
+  AddGroupCommands(app, ctx, action);
+  AddReportCommands(app, ctx, action);
 
   try {
     app.parse(argc, argv);
