@@ -49,8 +49,7 @@ double PatternScore(const GroupMatch& m) {
 std::vector<std::string> MatchPointNames(const Session& s, const GroupSearchState& state, int k) {
   std::vector<std::string> names;
   for (const GroupMatchItem& item : MatchItems(state, k)) {
-    const SearchPair pair{state.ElementFirst[item.Element], state.ElementSecond[item.Element]};
-    const std::string name = SearchPairName(s, pair);
+    const std::string name = SearchPairName(s, MatchItemPair(state, state.Matches[k], item));
     if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
   }
   return names;

@@ -551,6 +551,14 @@ std::vector<GroupMatchItem> MatchItems(const GroupSearchState& state, int k) {
   return items;
 }
 
+SearchPair MatchItemPair(const GroupSearchState& state, const GroupMatch& match, const GroupMatchItem& item) {
+  const int points = static_cast<int>(state.SearchPoints.size());
+  if (points == 0) return {};
+  const int index = match.PointIndex > 0 ? match.PointIndex : (item.Element - 1) % points + 1;
+  if (index < 1 || index > points) return {};
+  return state.SearchPoints[index - 1];
+}
+
 // The screen's rules ---------------------------------------------------------
 
 int ClampHarmonicField(int h) { return std::clamp(h, 1, 360); }

@@ -159,6 +159,11 @@ void ShowGroupMatchDetail(Session& session, GroupSearchState& state, const Group
 
 // The items of match k, in order.
 std::vector<GroupMatchItem> MatchItems(const GroupSearchState& state, int k);
+// The search pair of one item of a match. The element tables hold only the
+// last harmonic's pass, so the pair is found from the element's number:
+// charts outer, points inner in a combination search, the match's point in
+// a same-point search.
+SearchPair MatchItemPair(const GroupSearchState& state, const GroupMatch& match, const GroupMatchItem& item);
 
 // The search screen's rules.
 // Field clamps on leaving: a harmonic 1 to 360, matches at least 2; an

@@ -5,72 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
-#include "support/test_support.h"
+#include "groups/planted_group.h"
 
 namespace vintar {
 namespace {
-
-class GroupSearch : public ::testing::Test {
- protected:
-  void SetUp() override {
-    ProjectState& p = t.session.project;
-    p.ProjectPath = t.dir.file("family.dat");
-    p.Events.assign(kCharts + 1, EventRecord{});
-    for (int n = 1; n <= kCharts; ++n) {
-      EventRecord& e = p.Events[n];
-      e.Description = "Member " + std::to_string(n);
-      e.Year = static_cast<int16_t>(1950 + 3 * n);
-      e.Month = static_cast<uint8_t>(1 + n % 12);
-      e.Day = static_cast<uint8_t>(3 + 2 * n);
-      e.Hour = static_cast<uint8_t>(n % 24);
-      e.DetailLevel = 3;
-      e.Latitude = 51.5f;
-      e.Enabled = kTrue;
-    }
-    p.Header.RecordCount = kCharts;
-    p.Open = true;
-    bool cancelled = false;
-    CalcEvents(t.session, kGeocentric, kTransits, kNaibod, cancelled, nullptr, nullptr, 1);
-    path = CacheFileName(p.ProjectPath, kGeocentric, kTransits);
-    // Every Moon and Sun is first spread round the circle so that no
-    // pattern arises by chance; the cases plant their own.
-    for (int n = 1; n <= kCharts; ++n) {
-      Plant(n, kMoon, 3.0 + 41.3 * n);
-      Plant(n, kSun, 100.0 + 47.9 * n);
-    }
-  }
-
-  void Plant(int record, int point, double longitude) {
-    std::fstream f(path, std::ios::in | std::ios::out | std::ios::binary);
-    unsigned char bytes[kCacheRecordSize];
-    f.seekg((record - 1) * kCacheRecordSize);
-    f.read(reinterpret_cast<char*>(bytes), kCacheRecordSize);
-    EventPositionRecord r = DecodeCacheRecord(bytes);
-    r.StartPos[point] = r.EndPos[point] = static_cast<float>(longitude < 0 ? -1.0 : GroupMod(longitude, 360.0));
-    r.Motion[point] = longitude < 0 ? 0 : 1;
-    EncodeCacheRecord(r, bytes);
-    f.seekp((record - 1) * kCacheRecordSize);
-    f.write(reinterpret_cast<const char*>(bytes), kCacheRecordSize);
-  }
-
-  void Points(std::initializer_list<SearchPair> pairs) {
-    ClearSearchPoints(state);
-    for (const SearchPair& pair : pairs) AddSearchPair(t.session, state, pair.First, pair.Second);
-  }
-
-  std::vector<int> ChartsOf(int k) {
-    std::vector<int> charts;
-    for (const GroupMatchItem& item : MatchItems(state, k)) charts.push_back(item.Chart);
-    return charts;
-  }
-
-  static constexpr int kCharts = 8;
-  testing::TestSession t;
-  GroupSearchState state;
-  std::string path;
-};
 
 TEST(GroupSearchArithmetic, MidpointsModuloAndSort) {
   EXPECT_DOUBLE_EQ(GroupMod(-30.0, 360.0), 330.0);
@@ -86,7 +24,7 @@ TEST(GroupSearchArithmetic, MidpointsModuloAndSort) {
 // Five Moons planted one in each of five of the seven sectors of the 7th
 // harmonic, all at 10 degrees of its circle: the same-point search finds them
 // first, with the two sectors left empty as vacant.
-TEST_F(GroupSearch, FindsAPlantedSeventhHarmonicPatternFirst) {
+TEST_F(PlantedGroup, FindsAPlantedSeventhHarmonicPatternFirst) {
   const double m7 = 360.0 / 7.0;
   const int sectors[5] = {0, 1, 3, 4, 6};
   for (int i = 0; i < 5; ++i) Plant(i + 2, kMoon, 10.0 + sectors[i] * m7 + 0.02 * i);
@@ -118,7 +56,7 @@ TEST_F(GroupSearch, FindsAPlantedSeventhHarmonicPatternFirst) {
 
 // A combination search counts two points of one chart as two hits and one
 // chart, so the least number of hits can be reached by a single chart.
-TEST_F(GroupSearch, CombinationCountsHitsAndChartsApart) {
+TEST_F(PlantedGroup, CombinationCountsHitsAndChartsApart) {
   Plant(3, kMoon, 200.0);
   Plant(3, kSun, 200.5);
   Plant(5, kSun, 201.0);
@@ -138,7 +76,7 @@ TEST_F(GroupSearch, CombinationCountsHitsAndChartsApart) {
 // The window: 2*orb/H wide, inclusive at its far edge, opening at the entry
 // itself; an element at 0 joins a run but starts none; a specified position
 // near the top of the circle reaches over 0 through the wrap.
-TEST_F(GroupSearch, WindowEdgesAndTheWrap) {
+TEST_F(PlantedGroup, WindowEdgesAndTheWrap) {
   struct Case {
     const char* what;
     double a, b;  // two planted Moons, in the 1st harmonic
@@ -174,7 +112,7 @@ TEST_F(GroupSearch, WindowEdgesAndTheWrap) {
   }
 }
 
-TEST_F(GroupSearch, EveryElementInTheWindowEndsAtNHits) {
+TEST_F(PlantedGroup, EveryElementInTheWindowEndsAtNHits) {
   for (int n = 1; n <= kCharts; ++n) Plant(n, kMoon, 50.0 + 0.1 * n);
   Points({{kMoon, kMoon}});
   GroupSearchParams p;
@@ -186,7 +124,7 @@ TEST_F(GroupSearch, EveryElementInTheWindowEndsAtNHits) {
   EXPECT_EQ(state.Matches[1].Hits, kCharts);  // never counted twice round the wrap
 }
 
-TEST_F(GroupSearch, RefusalsAndTheSilentEnd) {
+TEST_F(PlantedGroup, RefusalsAndTheSilentEnd) {
   // A point no chart knows ends the whole search without a word.
   for (int n = 1; n <= kCharts; ++n) Plant(n, kMoon, -1.0);
   Points({{kMoon, kMoon}, {kSun, kSun}});
@@ -231,7 +169,7 @@ TEST_F(GroupSearch, RefusalsAndTheSilentEnd) {
   EXPECT_EQ(t.sink.messages.back().text, "There are no records switched on in this project.");
 }
 
-TEST_F(GroupSearch, SearchPointFileRoundTripAndLimits) {
+TEST_F(PlantedGroup, SearchPointFileRoundTripAndLimits) {
   Points({{kSun, kSun}, {kSun, kMoon}, {kMoon, kSun}});
   EXPECT_FALSE(AddSearchPair(t.session, state, kSun, kMoon));  // already there
   EXPECT_EQ(state.SearchList[0], "Sun  ");

@@ -1,0 +1,126 @@
+// The automatic group report on a planted group: its chapters for a type
+// with and without interpretation, the notes on untimed charts, the
+// scoring's ties and duplicates, and the RTF's group structure.
+#include "groups/group_report.h"
+
+#include <gtest/gtest.h>
+
+#include "groups/planted_group.h"
+
+namespace vintar {
+namespace {
+
+// Braces balance outside escapes, and the document is one group.
+bool BalancedRtf(const std::string& rtf) {
+  int depth = 0;
+  for (size_t i = 0; i < rtf.size(); ++i) {
+    if (rtf[i] == '\\') {
+      ++i;
+    } else if (rtf[i] == '{') {
+      ++depth;
+    } else if (rtf[i] == '}') {
+      if (--depth < 0) return false;
+      if (depth == 0 && rtf.find_first_not_of("\r\n", i + 1) != std::string::npos) return false;
+    }
+  }
+  return depth == 0;
+}
+
+class GroupReport : public PlantedGroup {
+ protected:
+  std::string Write(int type) {
+    const double m7 = 360.0 / 7.0;
+    for (int i = 0; i < 5; ++i) Plant(i + 2, kMoon, 10.0 + i * m7 + 0.02 * i);
+    GroupReportOptions options;
+    options.GroupType = type;
+    options.Path = t.dir.file("GroupRep.rtf");
+    options.UserName = "Tester";
+    outcome = WriteGroupReport(t.session, state, options);
+    return testing::ReadBytes(options.Path);
+  }
+  GroupReportOutcome outcome;
+};
+
+TEST_F(GroupReport, ChaptersWithAndWithoutInterpretation) {
+  struct Case {
+    int type;
+    std::vector<const char*> present, absent;
+  };
+  const Case cases[] = {
+      {0,
+       {"Group Type: {\\b Family}", "Introduction", "Sign Emphasis", "House Emphasis", "Strongest Sign",
+        "Each Person's Role in the Group", "How Your Group Works", "Conclusion", "Charts Included in Search:",
+        "Total Charts: 8", "Report produced by Tester"},
+       {"* * * Report End * * *", "No text available"}},
+      {5,
+       {"Group Type: {\\b Undefined}", "Primary Point Patterns", "Midpoint Patterns", "* * * Report End * * *"},
+       {"Introduction\\par", "Each Person's Role", "Conclusion"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.type);
+    const std::string rtf = Write(c.type);
+    ASSERT_EQ(outcome.Result, GroupReportResult::Written);
+    EXPECT_EQ(rtf.rfind("{\\rtf1\\ansi", 0), 0u);
+    EXPECT_TRUE(BalancedRtf(rtf));
+    for (const char* text : c.present) EXPECT_NE(rtf.find(text), std::string::npos) << text;
+    for (const char* text : c.absent) EXPECT_EQ(rtf.find(text), std::string::npos) << text;
+  }
+  EXPECT_EQ(outcome.StepLine, "Finished");
+}
+
+TEST_F(GroupReport, UntimedChartsDropTheMoonAnglesAndHouses) {
+  for (int n : {2, 4}) t.session.project.Events[n].DetailLevel = 1;
+  const auto primary = PrimaryPoints(t.session, GroupSearchCharts(t.session));
+  EXPECT_FALSE(primary[kMoon] || primary[kAscendant] || primary[kMidheaven]);
+  EXPECT_TRUE(primary[kSun] && primary[kPluto] && primary[t.session.vocab.NodePoint]);
+  const std::string rtf = Write(0);
+  EXPECT_NE(rtf.find("Untimed Charts: 2"), std::string::npos);
+  EXPECT_EQ(rtf.find("House Emphasis"), std::string::npos);
+  EXPECT_TRUE(BalancedRtf(rtf));
+}
+
+// Charts decide first and density next; a pattern of the same harmonic and
+// vacant count within 1/36 of the circle of the last kept one is dropped;
+// too few charts score 0; the node ratio floor is lowered until one passes.
+TEST(GroupReportScoring, TiesDuplicatesAndTheNodeFloor) {
+  GroupSearchState state;
+  auto add = [&](int h, float pos, int vacant, int charts, int hits) {
+    GroupMatch m;
+    m.Harmonic = static_cast<int16_t>(h);
+    m.Position = pos;
+    m.Vacant = static_cast<int16_t>(vacant);
+    m.Charts = static_cast<int16_t>(charts);
+    m.Hits = static_cast<int16_t>(hits);
+    state.Matches.push_back(m);
+    state.MatchCount = static_cast<int>(state.Matches.size()) - 1;
+  };
+  add(7, 10.0f, 2, 5, 5);  // best
+  add(7, 11.0f, 2, 5, 5);  // within 51.4/36 of it: a duplicate
+  add(9, 3.0f, 2, 5, 5);   // an equal score that is no duplicate
+  add(5, 1.0f, 0, 4, 8);   // fewer charts
+  add(12, 1.0f, 6, 8, 8);  // nodes half filled: skipped at the first floor
+  float best = 0;
+  int count = 0;
+  ScorePatterns(state, best, count, 0.2f, 10);
+  EXPECT_FLOAT_EQ(best, 5001.0f);
+  EXPECT_EQ(count, 2);
+  EXPECT_FLOAT_EQ(state.Matches[2].Score, 0.0f);
+  EXPECT_FLOAT_EQ(state.Matches[4].Score, 4002.0f);
+  EXPECT_FLOAT_EQ(state.Matches[5].Score, 0.0f);  // never scored
+
+  // Only the half-filled pattern: found on the third floor (0.5).
+  state.Matches.resize(1);
+  add(12, 1.0f, 6, 8, 8);
+  ScorePatterns(state, best, count, 0.9f, 10);  // and its charts fall short of the ratio
+  EXPECT_EQ(count, 1);
+  EXPECT_FLOAT_EQ(best, 0.0f);
+
+  ScoreChartRatio(state, best, count, 0.4f, 10);
+  EXPECT_FLOAT_EQ(best, 1.0f);
+  EXPECT_EQ(GroupTypeByName("Hunt"), 1);
+  EXPECT_EQ(GroupTypeByName("tribal"), -1);
+  EXPECT_EQ(GroupTypeByName("Undefined"), 5);
+}
+
+}  // namespace
+}  // namespace vintar
