@@ -231,6 +231,7 @@ const PreferenceKey kKeys[] = {
     {"DynInterval", nullptr, &Preferences::DynInterval},
     {"DynStepDays", &Preferences::DynStepDays},
     {"WordProc", nullptr, nullptr, &Preferences::WordProc},
+    {"UseOtherWP", &Preferences::UseOtherWP},
     {"FilePath/FileName", nullptr, nullptr, nullptr, true},
     {"MinPeakWidth", &Preferences::MinPeakWidth},
     {"PeakSDFactor", nullptr, &Preferences::PeakSDFactor},

@@ -36,6 +36,7 @@ struct Preferences {
   float DynInterval = 0.1f;
   int16_t DynStepDays = 7;
   std::string WordProc;
+  int16_t UseOtherWP = 0;  // the report opens in WordProc rather than the system's viewer
   std::array<std::string, 5> FilePath;  // 1..4
   std::array<std::string, 5> FileName;  // 1..4
   int16_t MinPeakWidth = 2;

@@ -79,6 +79,8 @@ class Searcher {
   std::vector<std::array<double, kPoints + 1>> longitudes_;  // per search chart
   std::vector<int> order_;                                   // sorted index, 1-based
   int n_ = 0;
+  std::vector<unsigned> seenInRun_;  // by record number: the stamp of the last run that met the chart
+  unsigned runStamp_ = 0;
 };
 
 }  // namespace
@@ -319,6 +321,13 @@ void Searcher::Walk(::vintar::Run& run, int start, int h, float m, float orbH, d
   run.charts = 1;
   run.tally.assign(h + 1, 0);
   run.tally[1] = 1;
+  // Charts met by this run are stamped with its number: no clearing between runs.
+  if (++runStamp_ == 0) {
+    std::fill(seenInRun_.begin(), seenInRun_.end(), 0u);
+    runStamp_ = 1;
+  }
+  const int32_t first = state_.ElementChart[order_[start]];
+  if (first >= 0 && first < static_cast<int32_t>(seenInRun_.size())) seenInRun_[first] = runStamp_;
   const float width = 2.0f * orbH;
   int k = start;
   while (run.hits < n_) {
@@ -330,9 +339,10 @@ void Searcher::Walk(::vintar::Run& run, int start, int h, float m, float orbH, d
     if (!(width >= a)) break;
     ++run.hits;
     const int32_t chart = state_.ElementChart[e];
-    bool seen = false;
-    for (int prior : run.entries) seen = seen || state_.ElementChart[order_[prior]] == chart;
-    if (!seen) ++run.charts;
+    if (chart >= 0 && chart < static_cast<int32_t>(seenInRun_.size()) && seenInRun_[chart] != runStamp_) {
+      seenInRun_[chart] = runStamp_;
+      ++run.charts;
+    }
     const double ref = specified ? sectorRef : state_.BasePos[order_[start]];
     run.tally[SectorOf(state_.BasePos[e], m, ref, h)] += 1;
     run.entries.push_back(next);
@@ -432,6 +442,7 @@ void Searcher::Run(bool detail) {
   const int count = state_.SearchCharts.back();
   if (!cache.Open(CacheFileName(session_.project.ProjectPath, coordinate, kTransits), count)) return;
   longitudes_.clear();
+  seenInRun_.assign(count + 1, 0);
   for (int record : state_.SearchCharts) {
     const unsigned char* bytes = cache.Record(record);
     std::array<double, kPoints + 1> lon{};
