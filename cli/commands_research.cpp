@@ -18,6 +18,7 @@
 #include <sstream>
 
 #include "cli/commands.h"
+#include "cli/research_options.h"
 #include "core/parse.h"
 #include "research/dignity.h"
 #include "research/extract.h"
@@ -27,119 +28,6 @@
 
 namespace vintar::cli {
 namespace {
-
-struct PointArgs {
-  std::string list;                 // --points FILE.vpt
-  std::vector<std::string> points;  // --point NAME
-  std::vector<std::string> parts;   // --part NAME
-  std::vector<std::string> almutens;
-  std::string transform;
-  std::string partsFile, almutenFile;
-};
-
-void AddPointOptions(CLI::App* cmd, PointArgs& a) {
-  cmd->add_option("--point", a.points, "A point by name: Mars, \"Sun/Moon\", \"10th House Cusp\", 15Ar30");
-  cmd->add_option("--part", a.parts, "An Arabic part of the parts file, by name or abbreviation");
-  cmd->add_option("--almuten", a.almutens, "A chart almuten of the almuten file, by name");
-  cmd->add_option("--transform", a.transform, "A transformation for the points named here: \"Ruler (New)\"");
-  cmd->add_option("--parts-file", a.partsFile, "The Arabic parts file (.arp); default the shipped vintar.arp");
-  cmd->add_option("--almuten-file", a.almutenFile, "The almuten file (.alm); default the shipped vintar.alm");
-}
-
-std::string DefaultListFile(const Session& s, const std::string& name) {
-  const std::string user = EnsureBackslash(s.paths.UserDataPath) + name;
-  return FileExists(user) ? user : EnsureBackslash(s.paths.SystemDataPath) + name;
-}
-
-// Loads the parts and almuten files the list names (or the command gives),
-// then adds the named points. False after a message when a name is unknown.
-bool ComposePoints(Context& ctx, ResearchState& state, const PointArgs& a) {
-  Session& s = ctx.session;
-  if (!a.list.empty() && !OpenPointList(s, state, a.list)) return false;
-  std::string error;
-  std::string parts = !a.partsFile.empty() ? a.partsFile : state.Header.PartsFile;
-  std::string almutens = !a.almutenFile.empty() ? a.almutenFile : state.Header.AlmutenFile;
-  if (parts.empty()) parts = DefaultListFile(s, "vintar.arp");
-  if (almutens.empty()) almutens = DefaultListFile(s, "vintar.alm");
-  state.Header.PartsFile = parts;
-  state.Header.AlmutenFile = almutens;
-  if (!LoadParts(s, state, ResolveListFile(s, parts), error) && !error.empty())
-    s.ShowMessage("The parts file " + parts + " could not be read: " + error, kIconExclamation, "Vintar");
-  error.clear();
-  if (!LoadAlmutens(s, state, ResolveListFile(s, almutens), error) && !error.empty())
-    s.ShowMessage("The almuten file " + almutens + " could not be read: " + error, kIconExclamation, "Vintar");
-
-  int transform = 0;
-  if (!a.transform.empty()) {
-    transform = TransformByName(s, FromArg(a.transform));
-    if (transform < 0) {
-      s.ShowMessage("There is no transformation named \"" + FromArg(a.transform) + "\".", kIconExclamation,
-                    "Unknown Transformation");
-      return false;
-    }
-  }
-  auto add = [&](const std::string& name, int type) {
-    PointRef ref;
-    bool found = false;
-    if (type == kChartPointType) {
-      found = PointByName(s, state, name, ref);
-    } else if (type == kArabicPartType) {
-      // A part by its name, with or without "Part of ", or its abbreviation;
-      // else every part whose name starts so ("Spirit" gives the day and
-      // the night forms).
-      auto bare = [](const std::string& n) {
-        const std::string t = Trim(n);
-        return StartsWithIgnoreCase(t, "Part of ") ? t.substr(8) : t;
-      };
-      std::vector<size_t> matches;
-      for (size_t i = 0; i < state.Parts.size(); ++i)
-        if (EqualsIgnoreCase(bare(state.Parts[i].Name), bare(name)) ||
-            EqualsIgnoreCase(Trim(state.Parts[i].Abbrev), name))
-          matches.push_back(i);
-      if (matches.empty())
-        for (size_t i = 0; i < state.Parts.size(); ++i)
-          if (StartsWithIgnoreCase(bare(state.Parts[i].Name), bare(name))) matches.push_back(i);
-      if (matches.empty() || matches.back() >= 255) {
-        s.ShowMessage("There is no part named \"" + name + "\" in " + state.PartsFileName + ".", kIconExclamation,
-                      "Unknown Point");
-        return false;
-      }
-      for (size_t i : matches) {
-        ref.PointType = kArabicPartType;
-        ref.Item1 = static_cast<uint8_t>(i + 1);
-        ref.Transform = transform;
-        if (AddPoint(s, state.Selected, ref) < 0) return false;
-      }
-      return true;
-    } else {
-      // An almuten by its name or short name, else the first whose name
-      // starts so ("Almuten Figuris").
-      for (int pass = 0; pass < 2 && !found; ++pass)
-        for (size_t i = 0; i < state.Almutens.size() && !found; ++i) {
-          const AlmutenDef& d = state.Almutens[i];
-          found = pass == 0 ? EqualsIgnoreCase(Trim(d.Name), name) || EqualsIgnoreCase(Trim(d.ShortName), name)
-                            : StartsWithIgnoreCase(Trim(d.Name), name);
-          if (found) {
-            ref.PointType = kChartAlmutenType;
-            ref.Item1 = static_cast<uint8_t>(std::min<size_t>(i + 1, 255));
-          }
-        }
-    }
-    if (!found) {
-      s.ShowMessage("There is no point named \"" + name + "\".", kIconExclamation, "Unknown Point");
-      return false;
-    }
-    ref.Transform = transform;
-    return AddPoint(s, state.Selected, ref) >= 0;
-  };
-  for (const auto& n : a.points)
-    if (!add(FromArg(n), kChartPointType)) return false;
-  for (const auto& n : a.parts)
-    if (!add(FromArg(n), kArabicPartType)) return false;
-  for (const auto& n : a.almutens)
-    if (!add(FromArg(n), kChartAlmutenType)) return false;
-  return true;
-}
 
 nlohmann::json PointsJson(const Session& s, const ResearchState& state) {
   nlohmann::json list = nlohmann::json::array();
@@ -184,77 +72,6 @@ int RunPoints(Context& ctx, const std::string& action, const std::string& file, 
     if (action == "save" || action == "add") std::cout << "Saved " << DisplayText(file) << "\n";
   }
   return kExitOk;
-}
-
-struct TabArgs {
-  std::string project;
-  PointArgs points;
-  int dataType = 0;
-  int division = -1;
-  double harmonic = 1;
-  int cells = 12;
-  std::string anchor;
-  double orb = 0;
-  std::string rulers = "new";
-  int inexact = 0;
-  int style = 0;
-  std::string out;
-};
-
-// `cellsName` names the option of the user-defined divisions' count:
-// "--cells" for tabulate and export, "--divisions" for filter, whose
-// --cells is the block.
-void AddTabOptions(CLI::App* cmd, TabArgs& a, const std::string& cellsName = "--cells") {
-  cmd->add_option("project", a.project, "The project (.dat)")->required();
-  cmd->add_option("--points", a.points.list, "A point list (.vpt)");
-  AddPointOptions(cmd, a.points);
-  cmd->add_option("--data-type", a.dataType, "0 zodiac, 1 houses, 2 phases and aspects, 3 dignities, 4 harmonic "
-                                             "components, 5 latitude, 6 diurnal arc, 7 right ascension, "
-                                             "8 declination, 9 azimuth, 10 altitude, 11 natal details")
-      ->check(CLI::Range(0, 11));
-  cmd->add_option("--division", a.division, "The division code (the data type's first code when not given)");
-  cmd->add_option("--harmonic", a.harmonic, "Harmonic (codes 8, 12, 51, 601, 701)");
-  cmd->add_option(cellsName, a.cells, "Number of divisions of the user-defined codes");
-  cmd->add_option("--anchor", a.anchor,
-                  "Anchor point (12, 52, 601, 701), aspect orb (50, 51), range (402) or century (901)");
-  cmd->add_option("--orb", a.orb, "Aspect orb (50, 51) or range (402) in degrees");
-  cmd->add_option("--rulers", a.rulers, "new (Modern) or old (Ancient)")
-      ->check(CLI::IsMember({"new", "old"}, CLI::ignore_case));
-  cmd->add_option("--inexact", a.inexact,
-                  "Charts without a full time: 0 exclude only ambiguous points, 1 use the median time, "
-                  "2 exclude them")
-      ->check(CLI::Range(0, 2));
-  cmd->add_option("--style", a.style, "0 raw counts, 1 proportion of total, 2 % of total, 3 proportion of "
-                                      "average, 4 % of average")
-      ->check(CLI::Range(0, 4));
-}
-
-// Builds the run's parameters from the arguments with the screen's checks.
-bool TabParams(Context& ctx, TabArgs& a, ResearchState& state, TabulateParams& p) {
-  Session& s = ctx.session;
-  if (!ComposePoints(ctx, state, a.points)) return false;
-  p.DataType = a.dataType;
-  p.Code = a.division >= 0 ? a.division : DataTypeOf(a.dataType).FirstCode;
-  p.Harmonic = a.harmonic;
-  p.UserDivisions = a.cells;
-  const DivisionControls controls = ControlsFor(p.DataType, p.Code);
-  std::string anchor = a.anchor.empty() ? controls.AnchorDefault : a.anchor;
-  if (anchor.empty()) anchor = "0";
-  char* end = nullptr;
-  p.Anchor = std::strtod(anchor.c_str(), &end);
-  if (end == anchor.c_str()) {
-    bool failed = false;
-    float angle = 0;
-    ParseAngle(s, anchor, angle, failed);
-    if (failed) return false;
-    p.Anchor = angle;
-  }
-  p.Orb = a.orb > 0 ? a.orb : ((p.Code == 50 || p.Code == 51 || p.Code == 402) ? p.Anchor : 0.0);
-  p.Scheme = EqualsIgnoreCase(a.rulers, "old") ? kAncientDayScheme : kModernScheme;
-  p.InexactOption = controls.ForcedInexact >= 0 ? controls.ForcedInexact : a.inexact;
-  if (!controls.InexactEnabled[p.InexactOption]) p.InexactOption = 2;
-  p.Points = state.Selected;
-  return CheckWholeDegreeHarmonic(s, p) && CheckTabulateParams(s, p);
 }
 
 std::string Fixed(double v, int decimals) {

@@ -1,8 +1,225 @@
-// `vintar report group-search|group-display PROJECT.dat ... --out FILE.pdf`.
+// `vintar report group-search|group-display PROJECT.dat ... --out FILE.pdf`:
+// the printed reports of the family and group analysis.
+//
+//   group-search   runs the pattern search (--harmonics A..B, --points,
+//                  --orb, --position, --min, --same-point) and prints its
+//                  parameters and matches; --match K also prints the charts
+//                  of match K.
+//   group-display  prints the charts as strips in --harmonic H (--records,
+//                  --points, --midpoints-of, --highlight as for `group strips`).
+//
+// JSON: the PDF written, its pages, and the matches or strips printed.
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+
 #include "cli/commands.h"
+#include "cli/output/gui_app.h"
+#include "core/parse.h"
+#include "groups/group_search.h"
+#include "groups/strips.h"
+#include "output/drawing.h"
+#include "output/group_reports.h"
 
 namespace vintar::cli {
+namespace {
 
-void AddGroupReportCommands(CLI::App&, Context&, Action&) {}
+struct SearchReportArgs {
+  std::string project;
+  std::string harmonics = "1..16";
+  std::string points = "default";
+  float orb = 8.0f;
+  std::string position;
+  int min = 3;
+  bool samePoint = false;
+  int match = 0;
+  std::string subtitle;
+  std::string out;
+};
+
+struct DisplayReportArgs {
+  std::string project;
+  StripRequest request;
+  std::string subtitle;
+  std::string out;
+};
+
+int Usage(const std::string& text) {
+  std::cerr << text << "\n";
+  return kExitUsage;
+}
+
+int Fail(Context& ctx) {
+  if (ctx.json) ctx.PrintJson({{"failed", true}});
+  return kExitFailed;
+}
+
+// "5..12" or "7", harmonics 1 to 360.
+bool ParseHarmonicRange(const std::string& text, int& from, int& to) {
+  const size_t dots = text.find("..");
+  const std::string a = dots == std::string::npos ? text : text.substr(0, dots);
+  const std::string b = dots == std::string::npos ? a : text.substr(dots + 2);
+  if (!IsAllDigits(a) || !IsAllDigits(b) || a.empty() || b.empty() || a.size() > 3 || b.size() > 3) return false;
+  from = std::atoi(a.c_str());
+  to = std::atoi(b.c_str());
+  return from >= 1 && from <= 360 && to >= 1 && to <= 360;
+}
+
+// Writes the PDF; false after the message.
+bool WritePdf(Context& ctx, const std::string& out, const std::function<void(ReportDocument&)>& build,
+              int& pages) {
+  EnsureGuiApplication();
+  std::string error;
+  pages = 0;
+  if (SaveReportPdf(
+          ctx.session, out,
+          [&](ReportDocument& doc) {
+            build(doc);
+            pages = doc.SheetCount();
+          },
+          &error))
+    return true;
+  ctx.session.ShowMessage("Error occured during printing:\n\n" + error, kIconStop, "Printing Error");
+  return false;
+}
+
+int RunSearchReport(Context& ctx, const SearchReportArgs& a) {
+  if (DrawingFormatOf(a.out) != DrawingFormat::Pdf) return Usage("--out takes a .pdf file");
+  GroupSearchParams p;
+  if (!ParseHarmonicRange(a.harmonics, p.FromHarmonic, p.ToHarmonic))
+    return Usage("--harmonics takes a range such as 5..12 (harmonics 1 to 360)");
+  if (!OpenProjectForCommand(ctx, a.project)) return kExitFailed;
+  Session& s = ctx.session;
+  p.Orb = a.orb;
+  p.MinMatches = ClampMatchesField(a.min);
+  p.Combination = !a.samePoint;
+  if (!a.position.empty()) {
+    bool failed = false;
+    ParseAngle(s, FromArg(a.position), p.Position, failed);
+    if (failed) return Fail(ctx);
+    p.SpecifiedPosition = true;
+    p.ToHarmonic = p.FromHarmonic;
+  }
+  GroupSearchState state;
+  std::string error;
+  if (!SearchPointsFromText(s, state, FromArg(a.points), error)) {
+    s.ShowMessage(error, kIconExclamation, "No Points Selected");
+    return Fail(ctx);
+  }
+  std::string focus;
+  if (!CheckGroupSearch(s, p, static_cast<int>(state.SearchPoints.size()), focus)) return Fail(ctx);
+  TerminalProgress progress(ctx);
+  SearchGroupPatterns(s, state, p, &progress);
+  if (a.match > 0) {
+    if (a.match > state.MatchCount) {
+      s.ShowMessage("There is no match " + std::to_string(a.match) + ": the search found " +
+                        std::to_string(state.MatchCount) + ".",
+                    kIconExclamation, kGroupSearchReportTitle);
+      return Fail(ctx);
+    }
+    ShowGroupMatchDetail(s, state, p, a.match, &progress);
+  }
+  ReportOptions options;
+  options.SubTitle = FromArg(a.subtitle);
+  int pages = 0;
+  if (!WritePdf(ctx, a.out, [&](ReportDocument& doc) { GroupSearchReport(doc, s, state, p, a.match, options); },
+                pages))
+    return Fail(ctx);
+  if (ctx.json) {
+    nlohmann::json lines = nlohmann::json::array();
+    for (const std::string& line : state.MatchesList) lines.push_back(J(line));
+    nlohmann::json detail = nlohmann::json::array();
+    for (const std::string& line : state.SecondaryList) detail.push_back(J(line));
+    ctx.PrintJson({{"failed", false},
+                   {"output", JPath(a.out)},
+                   {"pages", pages},
+                   {"charts", state.SearchCharts.size()},
+                   {"matches", lines},
+                   {"selected", a.match},
+                   {"detail", detail},
+                   {"status", J(state.Status)}});
+  } else {
+    std::cout << "Wrote " << DisplayText(a.out) << " (" << pages << (pages == 1 ? " page" : " pages") << "): "
+              << state.MatchCount << " matches in " << state.SearchCharts.size() << " charts\n";
+  }
+  return kExitOk;
+}
+
+int RunDisplayReport(Context& ctx, const DisplayReportArgs& a) {
+  if (DrawingFormatOf(a.out) != DrawingFormat::Pdf) return Usage("--out takes a .pdf file");
+  if (!OpenProjectForCommand(ctx, a.project)) return kExitFailed;
+  Session& s = ctx.session;
+  StripRequest request = a.request;
+  for (std::string* text : {&request.Records, &request.Points, &request.MidpointsOf, &request.Highlight})
+    *text = FromArg(*text);
+  if (Trim(request.Records).empty() && GroupSearchCharts(s).empty()) {
+    s.ShowMessage("There are no records switched on in this project.", kIconStop, "Chart Strips");
+    return Fail(ctx);
+  }
+  StripTable table;
+  std::vector<int> records;
+  std::string error;
+  if (!StripsFromRequest(s, table, request, records, error)) return Usage(ForTerminal(error));
+  if (!CheckStripChartCount(s, static_cast<int>(records.size()))) return Fail(ctx);
+  TerminalProgress progress(ctx);
+  if (!RefreshStrips(s, table, &progress)) {
+    s.ShowMessage("The positions of the charts could not be read from the position file.", kIconStop,
+                  "Chart Strips");
+    return Fail(ctx);
+  }
+  ReportOptions options;
+  options.SubTitle = FromArg(a.subtitle);
+  int pages = 0;
+  if (!WritePdf(ctx, a.out, [&](ReportDocument& doc) { GroupDisplayReport(doc, s, table, options); }, pages))
+    return Fail(ctx);
+  if (ctx.json) {
+    nlohmann::json strips = nlohmann::json::array();
+    for (int strip = 1; strip <= table.LastUsed(); ++strip)
+      strips.push_back({{"strip", strip}, {"record", table.StripRecord[strip]},
+                        {"label", J(ChartLabel(s, table, strip))}});
+    ctx.PrintJson({{"failed", false},
+                   {"output", JPath(a.out)},
+                   {"pages", pages},
+                   {"harmonic", table.PlotModulus},
+                   {"strips", strips}});
+  } else {
+    std::cout << "Wrote " << DisplayText(a.out) << ": " << table.LastUsed()
+              << (table.LastUsed() == 1 ? " strip" : " strips") << " in the "
+              << FormatOrdinal(table.PlotModulus) << " harmonic\n";
+  }
+  return kExitOk;
+}
+
+}  // namespace
+
+void AddGroupReportCommands(CLI::App& report, Context& ctx, Action& action) {
+  auto a = std::make_shared<SearchReportArgs>();
+  auto* search = report.add_subcommand("group-search", "Family/Group Search Report: a pattern search and its "
+                                                       "matches");
+  search->add_option("project", a->project, "PROJECT.dat")->required();
+  search->add_option("--harmonics", a->harmonics, "Harmonic range, e.g. 5..12 (default 1..16)");
+  search->add_option("--points", a->points,
+                     "Search points: default, a grouppnt.fil, or names such as \"Sun,Moon,Sun/Moon\"");
+  search->add_option("--orb", a->orb, "Orb in degrees at the first harmonic (default 8)");
+  search->add_option("--position", a->position, "Search at this position of the harmonic circle only");
+  search->add_option("--min", a->min, "Least number of hits (default 3)");
+  search->add_flag("--same-point", a->samePoint, "Each search point alone, not any combination of them");
+  search->add_option("--match", a->match, "Print this match alone with its charts");
+  search->add_option("--subtitle", a->subtitle, "The report's subtitle");
+  search->add_option("--out", a->out, "The report: a .pdf file")->required();
+  search->callback([&ctx, &action, a] { action = [&ctx, a] { return RunSearchReport(ctx, *a); }; });
+
+  auto d = std::make_shared<DisplayReportArgs>();
+  auto* display = report.add_subcommand("group-display", "Family/Group Display: the charts as strips");
+  display->add_option("project", d->project, "PROJECT.dat")->required();
+  display->add_option("--harmonic", d->request.Harmonic, "The harmonic H (1 to 360)")->required();
+  display->add_option("--records", d->request.Records, "Records to show, in order, e.g. 1,4,7 (at most 10)");
+  display->add_option("--points", d->request.Points, "Points shown, e.g. Sun,Moon,Asc (default: all)");
+  display->add_option("--midpoints-of", d->request.MidpointsOf, "Show each point's midpoint with this point");
+  display->add_option("--highlight", d->request.Highlight, "Draw this point in colour on every strip");
+  display->add_option("--subtitle", d->subtitle, "The report's subtitle");
+  display->add_option("--out", d->out, "The report: a .pdf file")->required();
+  display->callback([&ctx, &action, d] { action = [&ctx, d] { return RunDisplayReport(ctx, *d); }; });
+}
 
 }  // namespace vintar::cli
