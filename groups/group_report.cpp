@@ -396,7 +396,7 @@ void Report::Describe(int k, bool asPair, bool hasPairPoints) {
       const double orb = std::fabs(GroupMod(base - nominal + 180.0 / h, mod) - 180.0 / h);
       const EventRecord& e = s_.project.Events[items[j].Chart];
       text += P() + std::to_string(items[j].Chart) + ". " + RtfBold(w_, E(Trim(e.Description))) + " at " +
-              E(ZodiacPosition(s_, base, false)) + " (Orb " + E(DegMin(orb)) + ")";
+              E(Trim(ZodiacPosition(s_, base, false))) + " (Orb " + E(DegMin(orb)) + ")";
     }
     if (interpret_ && !asPair) {
       text += P() + (pair.First == pair.Second
@@ -443,7 +443,7 @@ void Report::Describe(int k, bool asPair, bool hasPairPoints) {
     if (q == 0 || best > kOuterOrb) continue;
     const EventRecord& e = s_.project.Events[charts_[c]];
     std::string text = std::to_string(c + 1) + ". " + RtfBold(w_, E(Trim(e.Description))) + " contributes " +
-                       RtfBold(w_, E(label)) + " at " + E(ZodiacPosition(s_, pos, false)) + " (Orb " +
+                       RtfBold(w_, E(label)) + " at " + E(Trim(ZodiacPosition(s_, pos, false))) + " (Orb " +
                        E(DegMin(best)) + ")";
     if (interpret_) {
       text += P() + (asPair ? T(general_, 19, InterpretationIndex(q), 1, InterpretationIndex(x))
@@ -459,7 +459,7 @@ void Report::Describe(int k, bool asPair, bool hasPairPoints) {
       if (filled[sector]) continue;
       ++vacant;
       Put(RtfBold(w_, E("This pattern has a Vacant Point at " +
-                        ZodiacPosition(s_, GroupMod(m.Position + (sector - 1) * mod, 360.0), false))),
+                        Trim(ZodiacPosition(s_, GroupMod(m.Position + (sector - 1) * mod, 360.0), false)))),
           5);
     }
     if (interpret_ && vacant > 0) Put(T(general_, 4, vacant == 1 ? 102 : 103), 5);

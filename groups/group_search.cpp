@@ -401,7 +401,7 @@ void Searcher::DetailLines(const ::vintar::Run& run) {
         record >= 1 && record < static_cast<int>(project.Events.size()) ? Trim(project.Events[record].Description) : "";
     state_.SecondaryList.push_back("Chart " + std::to_string(record) + " - " + SearchPairGlyphs(session_, pair) +
                                    " at " + DegMin(state_.HarmonicPos[e]) + " (" +
-                                   ZodiacPosition(session_, state_.BasePos[e], false) + ") " + name);
+                                   Trim(ZodiacPosition(session_, state_.BasePos[e], false)) + ") " + name);
     state_.DetailSlots.push_back(e);
   }
 }
@@ -548,7 +548,9 @@ void ShowGroupMatchDetail(Session& session, GroupSearchState& state, const Group
   p.SpecifiedPosition = true;
   p.Combination = match.PointIndex == 0;
   p.PatternIndex = match.PointIndex;
+  const std::string status = state.Status;  // the search's own last line stays
   Searcher(session, state, p, progress).Run(true);
+  state.Status = status;
 }
 
 std::vector<GroupMatchItem> MatchItems(const GroupSearchState& state, int k) {

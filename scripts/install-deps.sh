@@ -10,6 +10,7 @@ packages=(
   libhowardhinnant-date-dev tzdata
   clang libclang-rt-14-dev
   qt6-base-dev qt6-svg-dev libgl-dev fonts-dejavu-core
+  libreoffice-writer-nogui poppler-utils
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -103,7 +103,7 @@ int RunStrips(Context& ctx, const StripArgs& a) {
   }
   if (ctx.json) {
     ctx.PrintJson({{"failed", false},
-                   {"output", JPath(a.out)},
+                   {"out", JPath(a.out)},
                    {"harmonic", table.PlotModulus},
                    {"modulus", table.Modulus()},
                    {"midpointsOf", table.MidpointPartner},

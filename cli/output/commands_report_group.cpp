@@ -130,8 +130,8 @@ int RunSearchReport(Context& ctx, const SearchReportArgs& a) {
     for (const std::string& line : state.MatchesList) lines.push_back(J(line));
     nlohmann::json detail = nlohmann::json::array();
     for (const std::string& line : state.SecondaryList) detail.push_back(J(line));
-    ctx.PrintJson({{"failed", false},
-                   {"output", JPath(a.out)},
+    ctx.PrintJson({{"report", "group-search"},
+                   {"out", JPath(a.out)},
                    {"pages", pages},
                    {"charts", state.SearchCharts.size()},
                    {"matches", lines},
@@ -177,8 +177,8 @@ int RunDisplayReport(Context& ctx, const DisplayReportArgs& a) {
     for (int strip = 1; strip <= table.LastUsed(); ++strip)
       strips.push_back({{"strip", strip}, {"record", table.StripRecord[strip]},
                         {"label", J(ChartLabel(s, table, strip))}});
-    ctx.PrintJson({{"failed", false},
-                   {"output", JPath(a.out)},
+    ctx.PrintJson({{"report", "group-display"},
+                   {"out", JPath(a.out)},
                    {"pages", pages},
                    {"harmonic", table.PlotModulus},
                    {"strips", strips}});

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+
 #include "groups/planted_group.h"
 
 namespace vintar {
@@ -77,6 +80,23 @@ TEST_F(GroupReport, UntimedChartsDropTheMoonAnglesAndHouses) {
   EXPECT_NE(rtf.find("Untimed Charts: 2"), std::string::npos);
   EXPECT_EQ(rtf.find("House Emphasis"), std::string::npos);
   EXPECT_TRUE(BalancedRtf(rtf));
+}
+
+// The document as a word processor reads it: LibreOffice turns it into a
+// PDF whose text holds the title, the chapters and a member's line.
+TEST_F(GroupReport, OpensInLibreOffice) {
+  if (std::system("command -v soffice >/dev/null 2>&1 && command -v pdftotext >/dev/null 2>&1") != 0)
+    GTEST_SKIP() << "LibreOffice (soffice) or pdftotext is not installed";
+  Write(0);
+  ASSERT_EQ(outcome.Result, GroupReportResult::Written);
+  const std::string dir = t.dir.path().string();
+  const std::string command = "cd '" + dir + "' && timeout 300 soffice --headless -env:UserInstallation=file://" +
+                              dir + "/lo --convert-to pdf GroupRep.rtf >/dev/null 2>&1 && pdftotext GroupRep.pdf";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  const std::string text = testing::ReadBytes(t.dir.file("GroupRep.txt"));
+  for (const char* line : {"Kinfold Analysis", "Group Type: Family", "Sign Emphasis", "Each Person's Role in the Group",
+                           "How Your Group Works", "Conclusion", "Member 2"})
+    EXPECT_NE(text.find(line), std::string::npos) << line;
 }
 
 // Charts decide first and density next; a pattern of the same harmonic and
