@@ -1,44 +1,15 @@
 // `vintar group search|report|strips`: the family and group analysis.
 #include <algorithm>
-#include <cstdlib>
 #include <iostream>
 #include <memory>
 
 #include "cli/commands.h"
+#include "cli/group_options.h"
 #include "core/parse.h"
-#include "groups/group_search.h"
 
 namespace vintar::cli {
 
 namespace {
-
-struct SearchArgs {
-  std::string project;
-  std::string harmonics = "1..16";
-  std::string points = "default";
-  float orb = 8.0f;
-  std::string position;
-  int min = 3;
-  std::string mode = "combination";
-  bool samePoint = false;
-  int match = 0;
-};
-
-// "5..12" or "7".
-bool ParseHarmonics(const std::string& text, int& from, int& to) {
-  const size_t dots = text.find("..");
-  char* end = nullptr;
-  const std::string a = dots == std::string::npos ? text : text.substr(0, dots);
-  from = static_cast<int>(std::strtol(a.c_str(), &end, 10));
-  if (end == a.c_str() || *end) return false;
-  to = from;
-  if (dots != std::string::npos) {
-    const std::string b = text.substr(dots + 2);
-    to = static_cast<int>(std::strtol(b.c_str(), &end, 10));
-    if (end == b.c_str() || *end) return false;
-  }
-  return from >= 1 && to <= 360;
-}
 
 // The pattern score of the report's ranking: charts first, density next.
 double PatternScore(const GroupMatch& m) {
@@ -55,35 +26,12 @@ std::vector<std::string> MatchPointNames(const Session& s, const GroupSearchStat
   return names;
 }
 
-int RunSearch(Context& ctx, const SearchArgs& a) {
-  if (!OpenProjectForCommand(ctx, a.project)) return kExitFailed;
-  Session& s = ctx.session;
-  GroupSearchParams p;
-  if (!ParseHarmonics(a.harmonics, p.FromHarmonic, p.ToHarmonic)) {
-    std::cerr << "--harmonics takes a range such as 1..16 (harmonics 1 to 360)\n";
-    return kExitUsage;
-  }
-  p.Orb = a.orb;
-  p.MinMatches = ClampMatchesField(a.min);
-  p.Combination = !(a.samePoint || EqualsIgnoreCase(a.mode, "same-point") || EqualsIgnoreCase(a.mode, "same"));
-  if (!a.position.empty()) {
-    bool failed = false;
-    ParseAngle(s, a.position, p.Position, failed);
-    if (failed) return kExitFailed;
-    p.SpecifiedPosition = true;
-    p.ToHarmonic = p.FromHarmonic;
-  }
+int RunSearch(Context& ctx, const GroupSearchArgs& a) {
   GroupSearchState state;
-  std::string error;
-  if (!SearchPointsFromText(s, state, FromArg(a.points), error)) {
-    s.ShowMessage(error, kIconExclamation, "No Points Selected");
-    return kExitFailed;
-  }
-  std::string focus;
-  if (!CheckGroupSearch(s, p, static_cast<int>(state.SearchPoints.size()), focus)) return kExitFailed;
-  TerminalProgress progress(ctx);
-  SearchGroupPatterns(s, state, p, &progress);
-  if (a.match > 0) ShowGroupMatchDetail(s, state, p, a.match, &progress);
+  GroupSearchParams p;
+  int code = kExitOk;
+  if (!RunGroupSearchArgs(ctx, a, state, p, code)) return code;
+  Session& s = ctx.session;
 
   std::vector<int> ranked(state.MatchCount);
   for (int k = 1; k <= state.MatchCount; ++k) ranked[k - 1] = k;
@@ -151,19 +99,9 @@ void AddGroupCommands(CLI::App& app, Context& ctx, Action& action) {
   auto* group = app.add_subcommand("group", "Harmonic patterns shared by a family or group of charts");
   group->require_subcommand(1);
 
-  auto a = std::make_shared<SearchArgs>();
+  auto a = std::make_shared<GroupSearchArgs>();
   auto* search = group->add_subcommand("search", "Find the harmonic patterns the group's charts share");
-  search->add_option("project", a->project, "PROJECT.dat")->required();
-  search->add_option("--harmonics", a->harmonics, "Harmonic range, e.g. 1..16 (default 1..16)");
-  search->add_option("--points", a->points,
-                     "Search points: default, a grouppnt.fil, or names such as \"Sun,Moon,Sun/Moon\"");
-  search->add_option("--orb", a->orb, "Orb in degrees at the first harmonic (default 8)");
-  search->add_option("--position", a->position, "Search at this position of the harmonic circle only");
-  search->add_option("--min", a->min, "Least number of hits (default 3)");
-  search->add_option("--mode", a->mode, "combination (any points together) or same-point")
-      ->check(CLI::IsMember({"combination", "same-point", "same"}, CLI::ignore_case));
-  search->add_flag("--same-point", a->samePoint, "Same as --mode same-point");
-  search->add_option("--match", a->match, "Also list the charts of this match");
+  AddGroupSearchOptions(search, *a);
   search->callback([&ctx, &action, a] { action = [&ctx, a] { return RunSearch(ctx, *a); }; });
 
   AddGroupReportCommand(*group, ctx, action);

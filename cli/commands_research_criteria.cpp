@@ -15,26 +15,17 @@
 #include <iostream>
 #include <memory>
 #include <set>
-#include <sstream>
 
 #include "cli/commands.h"
+#include "cli/research_options.h"
 #include "core/file_io.h"
 #include "core/project_file.h"
 #include "core/project_ops.h"
-#include "research/dignity.h"
 #include "research/criteria.h"
 #include "research/tabulate.h"
 
 namespace vintar::cli {
 
-// The ordered words of the criteria and selection commands.
-struct OrderedTerm {
-  std::string Kind;   // "--test", "--pair", "--where"
-  std::string Value;
-  int Operator = 0;   // 0 And, 1 Or, 2 Xor
-  bool Negate = false;
-  int Level = 0;
-};
 
 // Walks the subcommand's unparsed words: the project, the terms with
 // their connectives and brackets, and the global flags given after the
@@ -139,111 +130,6 @@ struct CriteriaArgs {
   std::vector<std::string> words;
 };
 
-std::vector<std::string> Split(const std::string& text, char at) {
-  std::vector<std::string> out;
-  std::string part;
-  std::istringstream in(text);
-  while (std::getline(in, part, at)) out.push_back(part);
-  if (!text.empty() && text.back() == at) out.push_back("");
-  return out;
-}
-
-// "1,5,9", "1..3", "2..4,9": false on anything else.
-bool ParseCells(const std::string& text, std::vector<int>& cells) {
-  for (const std::string& item : Split(text, ',')) {
-    const std::string t = Trim(item);
-    const size_t dots = t.find("..");
-    char* end = nullptr;
-    const long a = std::strtol(t.c_str(), &end, 10);
-    if (end == t.c_str()) return false;
-    long b = a;
-    if (dots != std::string::npos) {
-      const std::string rest = t.substr(dots + 2);
-      b = std::strtol(rest.c_str(), &end, 10);
-      if (end == rest.c_str() || *end) return false;
-    } else if (*end) {
-      return false;
-    }
-    if (a > b || a < 1 || b > kCriterionCells) return false;
-    for (long c = a; c <= b; ++c) cells.push_back(static_cast<int>(c));
-  }
-  return !cells.empty();
-}
-
-bool BuildTerm(Context& ctx, ResearchState& state, const OrderedTerm& term, CriteriaList& list) {
-  Session& s = ctx.session;
-  auto refuse = [&](const std::string& text) {
-    s.ShowMessage(text, kIconExclamation, "Cannot Add");
-    return false;
-  };
-  const std::string value = FromArg(term.Value);
-  const std::vector<std::string> parts = Split(value, ':');
-  if (parts.size() < 4) return refuse("A test reads POINT:DATATYPE:DIVISION:CELLS, not \"" + value + "\".");
-  NewCriterion in;
-  char* end = nullptr;
-  in.DataType = static_cast<int>(std::strtol(parts[1].c_str(), &end, 10));
-  if (end == parts[1].c_str() || *end || in.DataType < 0 || in.DataType >= kDataTypes)
-    return refuse("The data type of \"" + value + "\" must be a number from 0 to 11.");
-  if (in.DataType == kHarmonicData)
-    return refuse("Harmonic components are measured over a whole group of charts; they cannot be a test of one chart.");
-  in.Code = static_cast<int>(std::strtol(parts[2].c_str(), &end, 10));
-  if (end == parts[2].c_str() || *end || !DivisionBelongs(in.DataType, in.Code))
-    return refuse("The division " + parts[2] + " does not belong to the data type " + parts[1] + ".");
-  const DivisionControls controls = ControlsFor(in.DataType, in.Code);
-  in.Orb = Val(controls.AnchorDefault);
-  in.Harmonic = controls.Harmonic ? 1 : 0;
-  int minMatches = 1;
-  in.InexactOption = 0;
-  for (size_t k = 4; k < parts.size(); ++k) {
-    const size_t eq = parts[k].find('=');
-    const std::string key = Trim(parts[k].substr(0, eq));
-    const std::string v = eq == std::string::npos ? "" : Trim(parts[k].substr(eq + 1));
-    if (EqualsIgnoreCase(key, "orb")) in.Orb = Val(v);
-    else if (EqualsIgnoreCase(key, "harmonic")) in.Harmonic = static_cast<int>(Val(v));
-    else if (EqualsIgnoreCase(key, "min")) minMatches = static_cast<int>(Val(v));
-    else if (EqualsIgnoreCase(key, "cells")) in.UserDivisions = static_cast<int>(Val(v));
-    else if (EqualsIgnoreCase(key, "rulers")) in.ModernRulers = !EqualsIgnoreCase(v, "old");
-    else if (EqualsIgnoreCase(key, "inexact")) in.InexactOption = std::clamp(static_cast<int>(Val(v)), 0, 2);
-    else return refuse("Unknown setting \"" + parts[k] + "\" in \"" + value + "\".");
-  }
-  if (controls.ForcedInexact >= 0) in.InexactOption = controls.ForcedInexact;
-  if (!controls.InexactEnabled[in.InexactOption]) in.InexactOption = 2;
-
-  if (in.DataType != kNatalDetailsData) {
-    const std::vector<std::string> names =
-        term.Kind == "--pair" ? Split(parts[0], ',') : std::vector<std::string>{parts[0]};
-    for (const std::string& name : names) {
-      PointRef ref;
-      if (!PointByName(s, state, Trim(name), ref)) {
-        s.ShowMessage("There is no point named \"" + Trim(name) + "\".", kIconExclamation, "Unknown Point");
-        return false;
-      }
-      in.Selected.push_back(ref);
-    }
-  }
-  TabulateParams p;
-  p.DataType = in.DataType, p.Code = in.Code, p.Harmonic = std::max(1, in.Harmonic);
-  p.UserDivisions = in.UserDivisions, p.Anchor = in.Orb, p.Orb = in.Orb;
-  p.Scheme = in.ModernRulers ? kModernScheme : kAncientDayScheme;
-  in.CellCount = CellCountsOf(p).CellCount;
-  if (in.CellCount < 1 || in.CellCount > kCriterionCells)
-    return refuse("The division of \"" + value + "\" has no cells with these settings.");
-  if (!ParseCells(parts[3], in.Cells))
-    return refuse("The cells \"" + parts[3] + "\" are not a list such as 1,5,9 or 1..3.");
-  for (int c : in.Cells)
-    if (c > in.CellCount)
-      return refuse("Cell " + std::to_string(c) + " is beyond the " + std::to_string(in.CellCount) +
-                    " cells of this division.");
-  if (!AddCriterion(s, list, in)) return false;
-  CriterionRecord& c = list.Criteria.back();
-  c.MinMatches = static_cast<int16_t>(std::max(1, minMatches));
-  c.InexactOption = in.InexactOption;
-  c.Operator = term.Operator;
-  c.Negate = term.Negate ? kTrue : kFalse;
-  c.NestLevel = static_cast<int16_t>(term.Level);
-  return true;
-}
-
 int RunCriteria(Context& ctx, CriteriaArgs& a) {
   Session& s = ctx.session;
   auto fail = [&] {
@@ -262,25 +148,7 @@ int RunCriteria(Context& ctx, CriteriaArgs& a) {
 
   ResearchState state;
   CriteriaList list;
-  if (!a.criteriaFile.empty()) {
-    if (!OpenCriteriaFile(s, state, a.criteriaFile, list)) return fail();
-  } else {
-    std::string error;
-    // The shipped lists by name: a saved list finds them in the data folders.
-    state.Header.PartsFile = "vintar.arp";
-    state.Header.AlmutenFile = "vintar.alm";
-    LoadParts(s, state, ResolveListFile(s, state.Header.PartsFile), error);
-    LoadAlmutens(s, state, ResolveListFile(s, state.Header.AlmutenFile), error);
-    list.Header = state.Header;
-    for (const OrderedTerm& t : terms)
-      if (!BuildTerm(ctx, state, t, list)) return fail();
-    for (int i = 1; i <= list.Count(); ++i)
-      for (int k = 0; k < list.Criteria[i].PointCount; ++k)
-        if (std::find(list.Points.begin(), list.Points.end(), list.Criteria[i].Points[k]) == list.Points.end())
-          list.Points.push_back(list.Criteria[i].Points[k]);
-    list.Header.PointCount = static_cast<int16_t>(list.Points.size());
-  }
-  if (!CheckCriteriaList(s, list)) return fail();
+  if (!ComposeCriteria(ctx, state, a.criteriaFile, terms, list)) return fail();
   if (!a.saveCriteria.empty() && !SaveCriteriaFile(s, a.saveCriteria, list)) return fail();
 
   const std::vector<std::string> lines = CriteriaLines(s, state, list);

@@ -12,25 +12,12 @@
 #include <set>
 
 #include "cli/commands.h"
+#include "cli/research_options.h"
 #include "research/criteria.h"
 #include "research/selection.h"
 
 namespace vintar::cli {
 
-// Shared with `research criteria` (commands_research_criteria.cpp).
-struct OrderedTerm {
-  std::string Kind;
-  std::string Value;
-  int Operator = 0;
-  bool Negate = false;
-  int Level = 0;
-};
-bool ParseOrderedTerms(Context& ctx, const std::vector<std::string>& words, const std::set<std::string>& termKinds,
-                       std::string& project, std::vector<OrderedTerm>& terms);
-void NoteGlobalFlags(Context& ctx, const std::vector<std::string>& words);
-bool ApplyResultActions(Context& ctx, std::vector<int16_t>& flags, bool disable, const std::string& savePassed,
-                        nlohmann::json& body);
-bool CheckNewProjectPath(Context& ctx, const std::string& out, const std::string& project);
 
 namespace {
 

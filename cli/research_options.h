@@ -69,6 +69,12 @@ struct OrderedTerm {
 bool ParseOrderedTerms(Context& ctx, const std::vector<std::string>& words, const std::set<std::string>& termKinds,
                        std::string& project, std::vector<OrderedTerm>& terms);
 void NoteGlobalFlags(Context& ctx, const std::vector<std::string>& words);
+// After a criteria search or a selection: the failures disabled and saved,
+// or the passes written as a new project; false after a message.
+bool ApplyResultActions(Context& ctx, std::vector<int16_t>& flags, bool disable, const std::string& savePassed,
+                        nlohmann::json& body);
+// A new project's path must not be the project searched.
+bool CheckNewProjectPath(Context& ctx, const std::string& out, const std::string& project);
 
 // The criteria list of a search: read from `criteriaFile`, or built from
 // the --test and --pair terms (with the shipped parts and almutens), then

@@ -12,13 +12,13 @@ namespace vintar {
 void SearchResultsReport(ReportDocument& doc, Session& session, const std::vector<std::string>& criteria,
                          const std::vector<int16_t>& passed, bool allRecords, const ReportOptions& options) {
   const std::string title = kSearchResultsReportTitle;
-  const std::string continuation = "List of Selection Criteria (Continued...)";
+  const std::string continuation = "List of Selection Criteria";
   doc.BeginReport(title);
   doc.PrintLabelled("  Project Title:", session.project.Header.Title);
   if (!options.SubTitle.empty()) doc.PrintLabelled("  SubTitle:", options.SubTitle);
   doc.PrintSectionHead("List of Selection Criteria");
   for (const std::string& line : criteria) {
-    if (doc.EnsureRoom(title, continuation, 1.0)) doc.PrintSectionHead(continuation);
+    doc.EnsureRoom(title, continuation, 1.0);
     doc.PrintLine(line);
   }
   int enabled = 0, count = 0;

@@ -14,6 +14,7 @@
 #include <memory>
 
 #include "cli/commands.h"
+#include "cli/group_options.h"
 #include "cli/output/gui_app.h"
 #include "core/parse.h"
 #include "groups/group_search.h"
@@ -24,15 +25,7 @@
 namespace vintar::cli {
 namespace {
 
-struct SearchReportArgs {
-  std::string project;
-  std::string harmonics = "1..16";
-  std::string points = "default";
-  float orb = 8.0f;
-  std::string position;
-  int min = 3;
-  bool samePoint = false;
-  int match = 0;
+struct SearchReportArgs : GroupSearchArgs {
   std::string subtitle;
   std::string out;
 };
@@ -52,17 +45,6 @@ int Usage(const std::string& text) {
 int Fail(Context& ctx) {
   if (ctx.json) ctx.PrintJson({{"failed", true}});
   return kExitFailed;
-}
-
-// "5..12" or "7", harmonics 1 to 360.
-bool ParseHarmonicRange(const std::string& text, int& from, int& to) {
-  const size_t dots = text.find("..");
-  const std::string a = dots == std::string::npos ? text : text.substr(0, dots);
-  const std::string b = dots == std::string::npos ? a : text.substr(dots + 2);
-  if (!IsAllDigits(a) || !IsAllDigits(b) || a.empty() || b.empty() || a.size() > 3 || b.size() > 3) return false;
-  from = std::atoi(a.c_str());
-  to = std::atoi(b.c_str());
-  return from >= 1 && from <= 360 && to >= 1 && to <= 360;
 }
 
 // Writes the PDF; false after the message.
@@ -85,40 +67,11 @@ bool WritePdf(Context& ctx, const std::string& out, const std::function<void(Rep
 
 int RunSearchReport(Context& ctx, const SearchReportArgs& a) {
   if (DrawingFormatOf(a.out) != DrawingFormat::Pdf) return Usage("--out takes a .pdf file");
-  GroupSearchParams p;
-  if (!ParseHarmonicRange(a.harmonics, p.FromHarmonic, p.ToHarmonic))
-    return Usage("--harmonics takes a range such as 5..12 (harmonics 1 to 360)");
-  if (!OpenProjectForCommand(ctx, a.project)) return kExitFailed;
-  Session& s = ctx.session;
-  p.Orb = a.orb;
-  p.MinMatches = ClampMatchesField(a.min);
-  p.Combination = !a.samePoint;
-  if (!a.position.empty()) {
-    bool failed = false;
-    ParseAngle(s, FromArg(a.position), p.Position, failed);
-    if (failed) return Fail(ctx);
-    p.SpecifiedPosition = true;
-    p.ToHarmonic = p.FromHarmonic;
-  }
   GroupSearchState state;
-  std::string error;
-  if (!SearchPointsFromText(s, state, FromArg(a.points), error)) {
-    s.ShowMessage(error, kIconExclamation, "No Points Selected");
-    return Fail(ctx);
-  }
-  std::string focus;
-  if (!CheckGroupSearch(s, p, static_cast<int>(state.SearchPoints.size()), focus)) return Fail(ctx);
-  TerminalProgress progress(ctx);
-  SearchGroupPatterns(s, state, p, &progress);
-  if (a.match > 0) {
-    if (a.match > state.MatchCount) {
-      s.ShowMessage("There is no match " + std::to_string(a.match) + ": the search found " +
-                        std::to_string(state.MatchCount) + ".",
-                    kIconExclamation, kGroupSearchReportTitle);
-      return Fail(ctx);
-    }
-    ShowGroupMatchDetail(s, state, p, a.match, &progress);
-  }
+  GroupSearchParams p;
+  int code = kExitOk;
+  if (!RunGroupSearchArgs(ctx, a, state, p, code)) return code;
+  Session& s = ctx.session;
   ReportOptions options;
   options.SubTitle = FromArg(a.subtitle);
   int pages = 0;
@@ -196,15 +149,7 @@ void AddGroupReportCommands(CLI::App& report, Context& ctx, Action& action) {
   auto a = std::make_shared<SearchReportArgs>();
   auto* search = report.add_subcommand("group-search", "Family/Group Search Report: a pattern search and its "
                                                        "matches");
-  search->add_option("project", a->project, "PROJECT.dat")->required();
-  search->add_option("--harmonics", a->harmonics, "Harmonic range, e.g. 5..12 (default 1..16)");
-  search->add_option("--points", a->points,
-                     "Search points: default, a grouppnt.fil, or names such as \"Sun,Moon,Sun/Moon\"");
-  search->add_option("--orb", a->orb, "Orb in degrees at the first harmonic (default 8)");
-  search->add_option("--position", a->position, "Search at this position of the harmonic circle only");
-  search->add_option("--min", a->min, "Least number of hits (default 3)");
-  search->add_flag("--same-point", a->samePoint, "Each search point alone, not any combination of them");
-  search->add_option("--match", a->match, "Print this match alone with its charts");
+  AddGroupSearchOptions(search, *a);
   search->add_option("--subtitle", a->subtitle, "The report's subtitle");
   search->add_option("--out", a->out, "The report: a .pdf file")->required();
   search->callback([&ctx, &action, a] { action = [&ctx, a] { return RunSearchReport(ctx, *a); }; });
