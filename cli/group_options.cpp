@@ -82,4 +82,41 @@ bool RunGroupSearchArgs(Context& ctx, const GroupSearchArgs& a, GroupSearchState
   return true;
 }
 
+void AddStripOptions(CLI::App* cmd, StripRequest& request) {
+  cmd->add_option("--harmonic", request.Harmonic, "The harmonic H: the strips are 360/H degrees long (1 to 360)")
+      ->required();
+  cmd->add_option("--records", request.Records, "Records to show, in order, e.g. 1,4,7 (at most 10)");
+  cmd->add_option("--points", request.Points, "Points shown, e.g. Sun,Moon,Asc (default: all)");
+  cmd->add_option("--midpoints-of", request.MidpointsOf, "Show each point's midpoint with this point");
+  cmd->add_option("--highlight", request.Highlight, "Draw this point in colour on every strip");
+}
+
+int StripsForCommand(Context& ctx, StripRequest request, StripTable& table) {
+  Session& s = ctx.session;
+  auto fail = [&] {
+    if (ctx.json) ctx.PrintJson({{"failed", true}});
+    return kExitFailed;
+  };
+  for (std::string* text : {&request.Records, &request.Points, &request.MidpointsOf, &request.Highlight})
+    *text = FromArg(*text);
+  if (Trim(request.Records).empty() && GroupSearchCharts(s).empty()) {
+    s.ShowMessage("There are no records switched on in this project.", kIconStop, "Chart Strips");
+    return fail();
+  }
+  std::vector<int> records;
+  std::string error;
+  if (!StripsFromRequest(s, table, request, records, error)) {
+    std::cerr << ForTerminal(error) << "\n";
+    return kExitUsage;
+  }
+  if (!CheckStripChartCount(s, static_cast<int>(records.size()))) return fail();
+  TerminalProgress progress(ctx);
+  if (!RefreshStrips(s, table, &progress)) {
+    s.ShowMessage("The positions of the charts could not be read from the position file.", kIconStop,
+                  "Chart Strips");
+    return fail();
+  }
+  return kExitOk;
+}
+
 }  // namespace vintar::cli

@@ -8,6 +8,7 @@
 
 #include "cli/cli_support.h"
 #include "groups/group_search.h"
+#include "groups/strips.h"
 
 namespace vintar::cli {
 
@@ -30,5 +31,14 @@ void AddGroupSearchOptions(CLI::App* cmd, GroupSearchArgs& a);
 // after the message.
 bool RunGroupSearchArgs(Context& ctx, const GroupSearchArgs& a, GroupSearchState& state, GroupSearchParams& p,
                         int& exitCode);
+
+// The strips' options: --harmonic, --records, --points, --midpoints-of,
+// --highlight.
+void AddStripOptions(CLI::App* cmd, StripRequest& request);
+
+// The strips the options ask for, with their positions, for an open
+// project: kExitOk, a usage error (kExitUsage) or a failure already told
+// (kExitFailed).
+int StripsForCommand(Context& ctx, StripRequest request, StripTable& table);
 
 }  // namespace vintar::cli

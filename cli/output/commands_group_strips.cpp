@@ -13,6 +13,7 @@
 #include <memory>
 
 #include "cli/commands.h"
+#include "cli/group_options.h"
 #include "cli/output/gui_app.h"
 #include "core/parse.h"
 #include "groups/strips.h"
@@ -32,33 +33,6 @@ struct StripArgs {
 int Fail(Context& ctx) {
   if (ctx.json) ctx.PrintJson({{"failed", true}});
   return kExitFailed;
-}
-
-// The strips the options ask for, with their positions; a usage error
-// (exit 2) or a failure already told (exit 1) otherwise.
-int BuildStrips(Context& ctx, const StripArgs& a, StripTable& table) {
-  Session& s = ctx.session;
-  StripRequest request = a.request;
-  for (std::string* text : {&request.Records, &request.Points, &request.MidpointsOf, &request.Highlight})
-    *text = FromArg(*text);
-  if (Trim(request.Records).empty() && GroupSearchCharts(s).empty()) {
-    s.ShowMessage("There are no records switched on in this project.", kIconStop, "Chart Strips");
-    return Fail(ctx);
-  }
-  std::vector<int> records;
-  std::string error;
-  if (!StripsFromRequest(s, table, request, records, error)) {
-    std::cerr << ForTerminal(error) << "\n";
-    return kExitUsage;
-  }
-  if (!CheckStripChartCount(s, static_cast<int>(records.size()))) return Fail(ctx);
-  TerminalProgress progress(ctx);
-  if (!RefreshStrips(s, table, &progress)) {
-    s.ShowMessage("The positions of the charts could not be read from the position file.", kIconStop,
-                  "Chart Strips");
-    return Fail(ctx);
-  }
-  return kExitOk;
 }
 
 nlohmann::json StripsJson(const Session& s, const StripTable& table) {
@@ -90,7 +64,7 @@ int RunStrips(Context& ctx, const StripArgs& a) {
   if (!OpenProjectForCommand(ctx, a.project)) return kExitFailed;
   Session& s = ctx.session;
   StripTable table;
-  if (const int code = BuildStrips(ctx, a, table); code != kExitOk) return code;
+  if (const int code = StripsForCommand(ctx, a.request, table); code != kExitOk) return code;
 
   EnsureGuiApplication();
   const std::string modulus = GroupDegMin(table.Modulus());
@@ -129,13 +103,8 @@ void AddGroupStripsCommand(CLI::App& group, Context& ctx, Action& action) {
   auto a = std::make_shared<StripArgs>();
   auto* cmd = group.add_subcommand("strips", "The charts as strips in a harmonic, to PNG, SVG or PDF");
   cmd->add_option("project", a->project, "PROJECT.dat")->required();
-  cmd->add_option("--harmonic", a->request.Harmonic, "The harmonic H: the strips are 360/H degrees long (1 to 360)")
-      ->required();
   cmd->add_option("--out", a->out, "The picture: a .png, .svg or .pdf file")->required();
-  cmd->add_option("--records", a->request.Records, "Records to show, in order, e.g. 1,4,7 (at most 10)");
-  cmd->add_option("--points", a->request.Points, "Points shown, e.g. Sun,Moon,Asc (default: all)");
-  cmd->add_option("--midpoints-of", a->request.MidpointsOf, "Show each point's midpoint with this point");
-  cmd->add_option("--highlight", a->request.Highlight, "Draw this point in colour on every strip");
+  AddStripOptions(cmd, a->request);
   cmd->callback([&ctx, &action, a] { action = [&ctx, a] { return RunStrips(ctx, *a); }; });
 }
 

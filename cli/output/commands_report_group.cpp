@@ -102,24 +102,8 @@ int RunDisplayReport(Context& ctx, const DisplayReportArgs& a) {
   if (DrawingFormatOf(a.out) != DrawingFormat::Pdf) return Usage("--out takes a .pdf file");
   if (!OpenProjectForCommand(ctx, a.project)) return kExitFailed;
   Session& s = ctx.session;
-  StripRequest request = a.request;
-  for (std::string* text : {&request.Records, &request.Points, &request.MidpointsOf, &request.Highlight})
-    *text = FromArg(*text);
-  if (Trim(request.Records).empty() && GroupSearchCharts(s).empty()) {
-    s.ShowMessage("There are no records switched on in this project.", kIconStop, "Chart Strips");
-    return Fail(ctx);
-  }
   StripTable table;
-  std::vector<int> records;
-  std::string error;
-  if (!StripsFromRequest(s, table, request, records, error)) return Usage(ForTerminal(error));
-  if (!CheckStripChartCount(s, static_cast<int>(records.size()))) return Fail(ctx);
-  TerminalProgress progress(ctx);
-  if (!RefreshStrips(s, table, &progress)) {
-    s.ShowMessage("The positions of the charts could not be read from the position file.", kIconStop,
-                  "Chart Strips");
-    return Fail(ctx);
-  }
+  if (const int code = StripsForCommand(ctx, a.request, table); code != kExitOk) return code;
   ReportOptions options;
   options.SubTitle = FromArg(a.subtitle);
   int pages = 0;
@@ -157,11 +141,7 @@ void AddGroupReportCommands(CLI::App& report, Context& ctx, Action& action) {
   auto d = std::make_shared<DisplayReportArgs>();
   auto* display = report.add_subcommand("group-display", "Family/Group Display: the charts as strips");
   display->add_option("project", d->project, "PROJECT.dat")->required();
-  display->add_option("--harmonic", d->request.Harmonic, "The harmonic H (1 to 360)")->required();
-  display->add_option("--records", d->request.Records, "Records to show, in order, e.g. 1,4,7 (at most 10)");
-  display->add_option("--points", d->request.Points, "Points shown, e.g. Sun,Moon,Asc (default: all)");
-  display->add_option("--midpoints-of", d->request.MidpointsOf, "Show each point's midpoint with this point");
-  display->add_option("--highlight", d->request.Highlight, "Draw this point in colour on every strip");
+  AddStripOptions(display, d->request);
   display->add_option("--subtitle", d->subtitle, "The report's subtitle");
   display->add_option("--out", d->out, "The report: a .pdf file")->required();
   display->callback([&ctx, &action, d] { action = [&ctx, d] { return RunDisplayReport(ctx, *d); }; });
