@@ -1,6 +1,9 @@
 // A build without the drawing layer: the commands that draw are there, and
 // say so when used.
 #include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "cli/commands.h"
 
@@ -9,8 +12,12 @@ namespace vintar::cli {
 namespace {
 
 void Unavailable(CLI::App& command, Action& action) {
+  // Whatever follows is taken, so that the reason is what the user reads.
+  auto rest = std::make_shared<std::vector<std::string>>();
+  command.add_option("arguments", *rest)->expected(0, -1);
   command.allow_extras();
-  command.callback([&action] {
+  command.fallthrough(false);
+  command.callback([&action, rest] {
     action = [] {
       std::cerr << "This build of vintar has no drawing layer (built without Qt); reports and pictures are not available.\n";
       return kExitFailed;
