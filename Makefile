@@ -5,7 +5,7 @@ JOBS       ?= $(shell nproc)
 
 FUZZ_BUILD   ?= build-fuzz
 FUZZ_SECONDS ?= 60
-FUZZ_TARGETS ?= dat nat ini timezone cache pla options parse atlas events aaf interp
+FUZZ_TARGETS ?= dat nat ini timezone cache pla options parse atlas events aaf dignity vpt vcr interp grouppnt
 
 .PHONY: all deps build demo desktop screenshots install package test test-asan test-plain bench clean fuzz fuzz-build
 

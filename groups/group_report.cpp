@@ -9,6 +9,7 @@
 #include "calc/cache.h"
 #include "calc/chart.h"
 #include "core/parse.h"
+#include "core/preferences.h"
 #include "core/text.h"
 #include "groups/interpretation.h"
 #include "groups/rtf.h"
@@ -702,6 +703,19 @@ void TallyEmphasis(Session& session, const std::vector<int>& charts,
       }
     }
   }
+}
+
+WordProcessorChoice LoadWordProcessorChoice(const Session& session) {
+  return {session.prefs.UseOtherWP != 0, session.prefs.WordProc};
+}
+
+bool ApplyWordProcessorChoice(Session& session, bool useOther, const std::string& path) {
+  const std::string trimmed = Trim(path);
+  session.prefs.WordProc = trimmed;
+  session.prefs.UseOtherWP = useOther && !trimmed.empty() ? kTrue : kFalse;
+  const bool a = PutProfileText(session, "Vintar", "WordProc", trimmed);
+  const bool b = PutProfileText(session, "Vintar", "UseOtherWP", std::to_string(session.prefs.UseOtherWP));
+  return a && b;
 }
 
 std::string GroupReportPath(const Session& session) {

@@ -85,6 +85,22 @@ struct GroupReportOutcome {
 GroupReportOutcome WriteGroupReport(Session& session, GroupSearchState& state, const GroupReportOptions& options,
                                     Progress* progress = nullptr);
 
+// The report screen's rules. Its caption; the word processor as it loads
+// (the WordProc and UseOtherWP preferences); and the choice of the report
+// button, taken into the preferences and written to the preference file:
+// another word processor is in use only with a path that is not blank.
+inline constexpr const char* kGroupReportCaption = "Kinfold Analysis Report";
+inline constexpr const char* kWordProcessorFilter = "Applications (*)";
+inline constexpr const char* kWordProcessorDialogTitle = "Select Word Processor";
+struct WordProcessorChoice {
+  bool UseOther = false;
+  std::string Path;
+};
+WordProcessorChoice LoadWordProcessorChoice(const Session& session);
+// False when the preference file could not be written (the session keeps
+// the choice all the same).
+bool ApplyWordProcessorChoice(Session& session, bool useOther, const std::string& path);
+
 // Where the report is written by default.
 std::string GroupReportPath(const Session& session);
 

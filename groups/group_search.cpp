@@ -572,6 +572,32 @@ SearchPair MatchItemPair(const GroupSearchState& state, const GroupMatch& match,
   return state.SearchPoints[index - 1];
 }
 
+std::vector<std::string> GroupDisplayList(const Session& session, bool midpoints) {
+  std::vector<std::string> lines;
+  for (int p : SelectablePoints(session))
+    lines.push_back(midpoints ? "All Midpoints of " + NameOf(session, p) : ShortGlyph(session, p) + "  " + NameOf(session, p));
+  return lines;
+}
+
+int AddAllMidpointsOf(const Session& session, GroupSearchState& state, int point) {
+  int added = 0;
+  for (int q : SelectablePoints(session))
+    if (q != point && AddSearchPair(session, state, point, q)) ++added;
+  return added;
+}
+
+std::string SearchPlanetCount(const GroupSearchState& state) {
+  const auto n = std::count_if(state.SearchPoints.begin(), state.SearchPoints.end(),
+                               [](const SearchPair& p) { return p.First == p.Second; });
+  return std::to_string(n) + " Planets";
+}
+
+std::string SearchMidpointCount(const GroupSearchState& state) {
+  const auto n = std::count_if(state.SearchPoints.begin(), state.SearchPoints.end(),
+                               [](const SearchPair& p) { return p.First != p.Second; });
+  return std::to_string(n) + " Midpoints";
+}
+
 // The screen's rules ---------------------------------------------------------
 
 int ClampHarmonicField(int h) { return std::clamp(h, 1, 360); }

@@ -165,6 +165,18 @@ std::vector<GroupMatchItem> MatchItems(const GroupSearchState& state, int k);
 // a same-point search.
 SearchPair MatchItemPair(const GroupSearchState& state, const GroupMatch& match, const GroupMatchItem& item);
 
+// The search screen's point lists. DisplayList offers the selectable points
+// (short glyph text and name) or, with "&Midpoints" chosen, each point's
+// "All Midpoints of " line; the counts under SearchList read " Planets" and
+// " Midpoints".
+inline constexpr const char* kClickToSelect = "Click to Select";
+std::vector<std::string> GroupDisplayList(const Session& session, bool midpoints);
+// Adds the midpoints of `point` with every other selectable point; the
+// number added.
+int AddAllMidpointsOf(const Session& session, GroupSearchState& state, int point);
+std::string SearchPlanetCount(const GroupSearchState& state);
+std::string SearchMidpointCount(const GroupSearchState& state);
+
 // The search screen's rules.
 // Field clamps on leaving: a harmonic 1 to 360, matches at least 2; an
 // angle field parsed and written back as degrees and minutes.

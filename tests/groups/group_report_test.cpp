@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "core/preferences.h"
 #include "groups/planted_group.h"
 
 namespace vintar {
@@ -80,6 +81,17 @@ TEST_F(GroupReport, UntimedChartsDropTheMoonAnglesAndHouses) {
   EXPECT_NE(rtf.find("Untimed Charts: 2"), std::string::npos);
   EXPECT_EQ(rtf.find("House Emphasis"), std::string::npos);
   EXPECT_TRUE(BalancedRtf(rtf));
+}
+
+// The report button keeps another word processor only with a path, and
+// writes both keys to the preference file.
+TEST_F(GroupReport, WordProcessorChoiceIsSaved) {
+  EXPECT_TRUE(ApplyWordProcessorChoice(t.session, true, "  "));
+  EXPECT_FALSE(LoadWordProcessorChoice(t.session).UseOther);
+  EXPECT_TRUE(ApplyWordProcessorChoice(t.session, true, " /usr/bin/abiword "));
+  EXPECT_EQ(GetProfileText(t.session, "Vintar", "WordProc", ""), "/usr/bin/abiword");
+  EXPECT_EQ(GetProfileText(t.session, "Vintar", "UseOtherWP", ""), "-1");
+  EXPECT_TRUE(LoadWordProcessorChoice(t.session).UseOther);
 }
 
 // The document as a word processor reads it: LibreOffice turns it into a

@@ -183,6 +183,13 @@ TEST_F(PlantedGroup, SearchPointFileRoundTripAndLimits) {
   ASSERT_TRUE(ReadGroupPointFile(t.session, read, file));
   ASSERT_EQ(read.SearchPoints.size(), 1u);
   EXPECT_EQ(read.SearchPoints[0], (SearchPair{kMars, kMars}));
+  // All midpoints of the Sun: one with each other selectable point (12 of
+  // the 13 besides the Earth and the unchosen node).
+  const int added = AddAllMidpointsOf(t.session, read, kSun);
+  EXPECT_EQ(added, static_cast<int>(SelectablePoints(t.session).size()) - 1);
+  EXPECT_EQ(SearchPlanetCount(read), "1 Planets");
+  EXPECT_EQ(SearchMidpointCount(read), std::to_string(added) + " Midpoints");
+  EXPECT_EQ(GroupDisplayList(t.session, true)[0], "All Midpoints of The Moon");
   for (int i = 0; i < 400; ++i) AddSearchPair(t.session, read, 1 + i % 24, 1 + i / 24 % 24);
   EXPECT_EQ(read.SearchPoints.size(), static_cast<size_t>(kMaxSearchPairs));
 }
