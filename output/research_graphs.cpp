@@ -108,10 +108,10 @@ void PaintTitle(QPainter& painter, const QRectF& area, const Bands& b, const std
 // The statistics block in the right-hand column, with a swatch of the
 // expected level under it.
 void PaintStatistics(QPainter& painter, const QRectF& area, const Bands& b, const Session& session,
-                     const TabulationRun& run, const ResearchGraphSpec& spec, bool hasLevel, double level) {
+                     const TabulationRun& run, const ResearchGraphRequest& graph, bool hasLevel, double level) {
   const QRectF column(area.right() - b.stats, area.top() + b.title, b.stats, area.height() - b.title);
-  const std::vector<std::string> block = StatisticsBlock(session, run, spec.Column);
-  const QString expected = "Expected " + AxisText(level, spec.Style);
+  const std::vector<std::string> block = StatisticsBlock(session, run, graph.Column);
+  const QString expected = "Expected " + AxisText(level, graph.Style);
   const double x = column.left() + 0.8 * b.base, swatch = 2.5 * b.base;
   // The text as large as the column lets it be, up to its normal size.
   double pixels = b.base * 0.9;
@@ -140,9 +140,9 @@ void PaintStatistics(QPainter& painter, const QRectF& area, const Bands& b, cons
 }
 
 void PaintBars(QPainter& painter, const QRectF& area, const Bands& b, const Session& session,
-               const TabulationRun& run, const ResearchGraphSpec& spec, bool hasLevel, double level) {
+               const TabulationRun& run, const ResearchGraphRequest& graph, bool hasLevel, double level) {
   const QRectF plot = ResearchBarPlotRect(area);
-  const double top = ScaleTop(run, spec.Column, spec.Style, level, hasLevel);
+  const double top = ScaleTop(run, graph.Column, graph.Style, level, hasLevel);
   const auto yOf = [&](double v) { return plot.bottom() - std::clamp(v / top, 0.0, 1.0) * plot.height(); };
   const double pen = Pen(area);
 
@@ -156,19 +156,19 @@ void PaintBars(QPainter& painter, const QRectF& area, const Bands& b, const Sess
     painter.setPen(QPen(QColor(225, 225, 225), pen));
     painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
     painter.setPen(Qt::black);
-    const QString label = AxisText(v, spec.Style);
+    const QString label = AxisText(v, graph.Style);
     painter.drawText(QPointF(plot.left() - 0.4 * b.base - sm.horizontalAdvance(label), y + sm.ascent() / 2.5), label);
   }
 
   // The bars, the peak cell of the statistics in red.
   const int cells = run.UsedCells;
   const double width = plot.width() / cells;
-  const int peak = StatisticsBlock(session, run, spec.Column).empty()
+  const int peak = StatisticsBlock(session, run, graph.Column).empty()
                        ? 0
-                       : ColumnStats(run, spec.Column, FourierCode(run.Params.Code)).PeakCell;
+                       : ColumnStats(run, graph.Column, FourierCode(run.Params.Code)).PeakCell;
   painter.setPen(width > 4 * pen ? QPen(QColor(40, 60, 110), pen * 0.6) : QPen(Qt::NoPen));
   for (int cell = 1; cell <= cells; ++cell) {
-    const double v = StyledValue(run, cell, spec.Column, spec.Style);
+    const double v = StyledValue(run, cell, graph.Column, graph.Style);
     if (!(v > 0)) continue;
     painter.setBrush(cell == peak ? QColor(200, 64, 40) : QColor(96, 132, 196));
     const double x = plot.left() + (cell - 1) * width;
@@ -208,10 +208,10 @@ QPointF OnDial(QPointF centre, double cellAngle, double radius) {
 }
 
 void PaintPolar(QPainter& painter, const QRectF& area, const Bands& b, const Session& session,
-                const TabulationRun& run, const ResearchGraphSpec& spec, bool hasLevel, double level) {
+                const TabulationRun& run, const ResearchGraphRequest& graph, bool hasLevel, double level) {
   const QPointF centre = ResearchPolarCentre(area);
   const double radius = ResearchPolarRadius(area);
-  const double top = ScaleTop(run, spec.Column, spec.Style, level, hasLevel);
+  const double top = ScaleTop(run, graph.Column, graph.Style, level, hasLevel);
   const double pen = Pen(area);
   const int cells = run.UsedCells;
   const double span = 360.0 / cells;
@@ -231,12 +231,12 @@ void PaintPolar(QPainter& painter, const QRectF& area, const Bands& b, const Ses
   }
 
   // The sectors, the peak cell of the statistics in red.
-  const int peak = StatisticsBlock(session, run, spec.Column).empty()
+  const int peak = StatisticsBlock(session, run, graph.Column).empty()
                        ? 0
-                       : ColumnStats(run, spec.Column, FourierCode(run.Params.Code)).PeakCell;
+                       : ColumnStats(run, graph.Column, FourierCode(run.Params.Code)).PeakCell;
   painter.setPen(cells <= 120 ? QPen(QColor(40, 60, 110), pen * 0.6) : QPen(Qt::NoPen));
   for (int cell = 1; cell <= cells; ++cell) {
-    const double r = rOf(StyledValue(run, cell, spec.Column, spec.Style));
+    const double r = rOf(StyledValue(run, cell, graph.Column, graph.Style));
     if (!(r > 0)) continue;
     QPolygonF sector;
     sector << centre;
@@ -258,7 +258,7 @@ void PaintPolar(QPainter& painter, const QRectF& area, const Bands& b, const Ses
   painter.setFont(small);
   painter.setPen(QColor(90, 90, 90));
   for (int i = 1; i * step <= top + 1e-12; ++i)
-    painter.drawText(centre + QPointF(0.2 * b.base, -rOf(i * step) + sm.ascent()), AxisText(i * step, spec.Style));
+    painter.drawText(centre + QPointF(0.2 * b.base, -rOf(i * step) + sm.ascent()), AxisText(i * step, graph.Style));
 
   // The cells' labels round the rim, as many as the circumference holds.
   const QFont labelFont = SizedFont(b.base * (SignCode(run.Params.Code) ? 1.15 : 0.8));
@@ -360,18 +360,18 @@ int ResearchGraphCellAt(const TabulationRun& run, int display, const QRectF& are
 }
 
 void PaintResearchGraph(QPainter& painter, const QRectF& area, const Session& session, const TabulationRun& run,
-                        const ResearchGraphSpec& spec) {
+                        const ResearchGraphRequest& graph) {
   if (area.width() < 8 || area.height() < 8) return;
   const Bands b = BandsOf(area);
   painter.save();
   painter.setClipRect(area);
   painter.setRenderHint(QPainter::Antialiasing);
-  const int style = std::clamp(spec.Style, 0, kTabStyles - 1);
-  ResearchGraphSpec s = spec;
+  const int style = std::clamp(graph.Style, 0, kTabStyles - 1);
+  ResearchGraphRequest s = graph;
   s.Style = style;
-  PaintTitle(painter, area, b, spec.Title.empty() ? ResearchGraphTitle(session, run, spec.Column) : spec.Title,
+  PaintTitle(painter, area, b, graph.Title.empty() ? ResearchGraphTitle(session, run, graph.Column) : graph.Title,
              ResearchGraphSubtitle(run, style));
-  if (!HasCells(run, spec.Column)) {
+  if (!HasCells(run, graph.Column)) {
     painter.setFont(SizedFont(b.base));
     painter.setPen(Qt::darkGray);
     painter.drawText(area.adjusted(0, b.title, 0, 0), Qt::AlignCenter, QStringLiteral("No data"));
@@ -379,8 +379,8 @@ void PaintResearchGraph(QPainter& painter, const QRectF& area, const Session& se
     return;
   }
   double level = 0;
-  const bool hasLevel = ExpectedLevel(run, spec.Column, style, level);
-  if (spec.Display == kPolarGraph)
+  const bool hasLevel = ExpectedLevel(run, graph.Column, style, level);
+  if (graph.Display == kPolarGraph)
     PaintPolar(painter, area, b, session, run, s, hasLevel, level);
   else
     PaintBars(painter, area, b, session, run, s, hasLevel, level);
@@ -389,9 +389,9 @@ void PaintResearchGraph(QPainter& painter, const QRectF& area, const Session& se
 }
 
 bool SaveResearchGraph(const std::string& path, QSizeF size, const Session& session, const TabulationRun& run,
-                       const ResearchGraphSpec& spec, std::string* error) {
+                       const ResearchGraphRequest& graph, std::string* error) {
   return SaveDrawing(path, size, [&](QPainter& painter, const QRectF& area) {
-    PaintResearchGraph(painter, area, session, run, spec);
+    PaintResearchGraph(painter, area, session, run, graph);
   }, error);
 }
 

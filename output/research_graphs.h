@@ -36,7 +36,7 @@ inline constexpr const char* kDisplayStyleNames[3] = {"Bar Graph", "Polar Graph"
 // What one graph shows: a column (1..ColumnCount + 1, the last being the
 // total of all points), a style (0..4) and kBarGraph or kPolarGraph. An
 // empty title gives ResearchGraphTitle.
-struct ResearchGraphSpec {
+struct ResearchGraphRequest {
   int Column = 1;
   int Style = 0;
   int Display = kBarGraph;
@@ -69,11 +69,11 @@ int ResearchGraphCellAt(const TabulationRun& run, int display, const QRectF& are
 // Paints the graph into `area`. A run without cells paints only the title
 // and "No data".
 void PaintResearchGraph(QPainter& painter, const QRectF& area, const Session& session, const TabulationRun& run,
-                        const ResearchGraphSpec& spec);
+                        const ResearchGraphRequest& graph);
 
 // Saves the graph as PNG, SVG or PDF by the file's extension; false with
 // `error` set when it cannot.
 bool SaveResearchGraph(const std::string& path, QSizeF size, const Session& session, const TabulationRun& run,
-                       const ResearchGraphSpec& spec, std::string* error = nullptr);
+                       const ResearchGraphRequest& graph, std::string* error = nullptr);
 
 }  // namespace vintar

@@ -112,18 +112,18 @@ void PrintTableHeadings(ReportDocument& doc, const std::vector<TableColumn>& col
 }  // namespace
 
 void ResearchGraphReport(ReportDocument& doc, Session& session, const TabulationRun& run,
-                         const ResearchGraphSpec& spec, const ReportOptions& options) {
-  const bool polar = spec.Display == kPolarGraph;
+                         const ResearchGraphRequest& graph, const ReportOptions& options) {
+  const bool polar = graph.Display == kPolarGraph;
   const std::string title = polar ? kResearchPolarGraphTitle : kResearchBarGraphTitle;
   doc.BeginReport(title);
-  TabulationHead(doc, session, run, spec.Style, title, options);
+  TabulationHead(doc, session, run, graph.Style, title, options);
   doc.NextLine(0.5);
   const double lh = doc.LineHeight();
   const double wanted = (polar ? 0.8 : 0.72) * doc.PageWidth() / lh;
   if (doc.RoomLeft() / lh - 1.0 < std::min(wanted, 16.0)) doc.NewPage(title);
   const double lines = std::min(wanted, doc.RoomLeft() / lh - 1.0);
   const QRectF area(0, doc.Y(), doc.PageWidth(), lines * lh);
-  PaintResearchGraph(doc.Painter(), area, session, run, spec);
+  PaintResearchGraph(doc.Painter(), area, session, run, graph);
   doc.NextLine(lines + 0.5);
 }
 
@@ -230,11 +230,11 @@ void ResearchResultsReport(ReportDocument& doc, Session& session, const Tabulati
     ResearchTabulationReport(doc, session, run, style, options);
     return;
   }
-  ResearchGraphSpec spec;
-  spec.Column = column;
-  spec.Style = style;
-  spec.Display = display == kPolarGraph ? kPolarGraph : kBarGraph;
-  ResearchGraphReport(doc, session, run, spec, options);
+  ResearchGraphRequest graph;
+  graph.Column = column;
+  graph.Style = style;
+  graph.Display = display == kPolarGraph ? kPolarGraph : kBarGraph;
+  ResearchGraphReport(doc, session, run, graph, options);
 }
 
 }  // namespace vintar

@@ -37,9 +37,9 @@ inline constexpr const char* kResearchTabulationTitle = "Research Tabulation";
 // The heading of the printed table; on later pages with " (Continued...)".
 inline constexpr const char* kTabulationSection = "Tabulation";
 
-// The bar graph (spec.Display kBarGraph) or the polar graph of a column.
+// The bar graph (graph.Display kBarGraph) or the polar graph of a column.
 void ResearchGraphReport(ReportDocument& doc, Session& session, const TabulationRun& run,
-                         const ResearchGraphSpec& spec, const ReportOptions& options);
+                         const ResearchGraphRequest& graph, const ReportOptions& options);
 // The table of every cell and column in a style, then the statistics.
 void ResearchTabulationReport(ReportDocument& doc, Session& session, const TabulationRun& run, int style,
                               const ReportOptions& options);

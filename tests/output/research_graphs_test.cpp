@@ -180,10 +180,10 @@ class ResearchGraphsTest : public QObject {
     QFETCH(QByteArray, magic);
     testing::DesktopFixture fx;
     const std::string path = fx.TempPath(name.toStdString());
-    ResearchGraphSpec spec;
-    spec.Display = kPolarGraph;
+    ResearchGraphRequest graph;
+    graph.Display = kPolarGraph;
     std::string error;
-    QCOMPARE(SaveResearchGraph(path, QSizeF(600, 400), fx.session, MadeRun(0, 12), spec, &error), !magic.isEmpty());
+    QCOMPARE(SaveResearchGraph(path, QSizeF(600, 400), fx.session, MadeRun(0, 12), graph, &error), !magic.isEmpty());
     QFile file(QString::fromStdString(path));
     if (magic.isEmpty()) {
       QVERIFY(!file.exists());
@@ -207,11 +207,11 @@ class ResearchGraphsTest : public QObject {
     TabulationRun none;
     for (const auto& [run, column] : {std::pair{empty, 1}, std::pair{MadeRun(0, 12), 9}, std::pair{none, 1}})
       for (int display : {int(kBarGraph), int(kPolarGraph)}) {
-        ResearchGraphSpec spec;
-        spec.Column = column;
-        spec.Display = display;
+        ResearchGraphRequest graph;
+        graph.Column = column;
+        graph.Display = display;
         const QImage image = RenderDrawing(QSizeF(300, 200), [&](QPainter& p, const QRectF& area) {
-          PaintResearchGraph(p, area, fx.session, run, spec);
+          PaintResearchGraph(p, area, fx.session, run, graph);
         });
         QVERIFY(!image.isNull());
       }
