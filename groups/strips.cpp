@@ -69,13 +69,10 @@ bool StripsFromMatch(StripTable& table, const GroupSearchState& state, int k) {
     if (std::find(records.begin(), records.end(), item.Chart) != records.end()) continue;
     if (static_cast<int>(records.size()) == kStripCount) break;
     records.push_back(item.Chart);
-    int point = 0;
-    if (item.Element >= 1 && item.Element < static_cast<int>(state.ElementFirst.size()) &&
-        item.Element < static_cast<int>(state.ElementSecond.size())) {
-      const int first = state.ElementFirst[item.Element], second = state.ElementSecond[item.Element];
-      point = first == second ? first : kStripFocusMidpoint;
-    }
-    focus.push_back(point);
+    // The element tables hold the last pass only: the pair comes from the
+    // element's number and the search points.
+    const SearchPair pair = MatchItemPair(state, match, item);
+    focus.push_back(pair.First == 0 ? 0 : (pair.First == pair.Second ? pair.First : kStripFocusMidpoint));
   }
   SetStripRecords(table, records);
   for (size_t i = 0; i < records.size(); ++i) {

@@ -79,8 +79,8 @@ TEST(Strips, EmptyStripsStayBlank) {
 
 TEST(Strips, FromAMatch) {
   GroupSearchState state;
-  state.ElementFirst = {0, kSun, kMoon, kSun};
-  state.ElementSecond = {0, kSun, kSun, kSun};
+  // Two search points in a combination search: elements alternate Sun, Moon/Sun.
+  state.SearchPoints = {{kSun, kSun}, {kMoon, kSun}};
   GroupMatch m;
   m.Harmonic = 5;
   m.Position = 36.0f;
