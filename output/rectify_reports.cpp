@@ -30,6 +30,7 @@ struct Table {
 
 struct Columns {
   std::vector<double> starts, widths;
+  double scale = 1.0;  // of the base font: below 1 when the table is too wide for the page at its size
 };
 
 Columns LayColumns(ReportDocument& doc, const Table& t) {
@@ -47,6 +48,12 @@ Columns LayColumns(ReportDocument& doc, const Table& t) {
   double gap = 1.5 * doc.LineHeight();
   if (n > 1 && indent + total + gap * double(n - 1) > doc.PageWidth())
     gap = std::max(0.8 * doc.LineHeight(), (doc.PageWidth() - indent - total) / double(n - 1));
+  // Still too wide at the narrowest gap: the whole table in a smaller font.
+  const double room = doc.PageWidth() - indent - gap * double(n > 0 ? n - 1 : 0);
+  if (total > room && total > 0) {
+    cols.scale = std::max(0.6, room / total);
+    for (double& w : cols.widths) w *= cols.scale;
+  }
   double x = indent;
   for (size_t c = 0; c < n; ++c) {
     cols.starts.push_back(x);
@@ -66,7 +73,7 @@ void PrintCells(ReportDocument& doc, const Table& t, const Columns& cols, const 
 }
 
 void PrintHeadings(ReportDocument& doc, const Table& t, const Columns& starts) {
-  doc.SetFont(true);
+  doc.SetFont(true, starts.scale);
   PrintCells(doc, t, starts, t.headings);
   doc.SetFont(false);
   doc.NextLine(1.2);
@@ -80,7 +87,7 @@ void PrintTable(ReportDocument& doc, const std::string& title, const std::string
   for (size_t r = 0; r < t.rows.size(); ++r) {
     if (doc.EnsureRoom(title, continuation, 1.0)) PrintHeadings(doc, t, starts);
     const bool bold = r < t.bold.size() && t.bold[r];
-    doc.SetFont(bold);
+    doc.SetFont(bold, starts.scale);
     PrintCells(doc, t, starts, t.rows[r]);
     doc.SetFont(false);
     doc.NextLine();
