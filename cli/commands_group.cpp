@@ -1,5 +1,6 @@
 // `vintar group search|report|strips`: the family and group analysis.
 #include <algorithm>
+#include <cstdio>
 #include <iostream>
 #include <memory>
 
@@ -82,8 +83,10 @@ int RunSearch(Context& ctx, const GroupSearchArgs& a) {
     const int k = ranked[r];
     std::string names;
     for (const std::string& name : MatchPointNames(s, state, k)) names += (names.empty() ? "" : ", ") + name;
+    char score[32];
+    std::snprintf(score, sizeof score, "%.2f", PatternScore(state.Matches[k]));
     std::cout << r + 1 << ". [match " << k << "] " << ForTerminal(state.MatchesList[k - 1]) << "\n     points: "
-              << ForTerminal(names) << "\n";
+              << ForTerminal(names) << "; vacant " << state.Matches[k].Vacant << "; score " << score << "\n";
   }
   if (!state.SecondaryList.empty()) {
     std::cout << "\nCharts in match " << a.match << ":\n";
