@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "cli/commands.h"
+#include "cli/group_options.h"
 #include "core/preferences.h"
 #include "core/project_ops.h"
 #include "groups/group_report.h"
@@ -13,8 +14,9 @@ namespace vintar::cli {
 
 namespace {
 
-struct ReportArgs {
-  std::string project;
+// With --match K the report describes match K of the search that the
+// search options ask for; otherwise it runs its own searches.
+struct ReportArgs : GroupSearchArgs {
   std::string type = "family";
   std::string out;
   std::string user;
@@ -27,12 +29,19 @@ int RunReport(Context& ctx, const ReportArgs& a) {
     std::cerr << "--type is one of family, hunt, gather, play, tribe, other\n";
     return kExitUsage;
   }
-  if (!OpenProjectForCommand(ctx, a.project)) return kExitFailed;
+  GroupSearchState state;
+  if (a.match > 0) {
+    GroupSearchParams p;
+    int code = kExitOk;
+    if (!RunGroupSearchArgs(ctx, a, state, p, code)) return code;
+  } else if (!OpenProjectForCommand(ctx, a.project)) {
+    return kExitFailed;
+  }
   Session& s = ctx.session;
   if (!CheckReportRecordCount(s)) return kExitFailed;
-  GroupSearchState state;
   GroupReportOptions options;
   options.GroupType = type;
+  options.SelectedMatch = a.match;
   options.Path = a.out;
   options.UserName = a.user.empty() ? Trim(GetPreferenceText(s, "UserName", "")) : FromArg(a.user);
   if (options.UserName.empty()) {
@@ -83,7 +92,7 @@ int RunReport(Context& ctx, const ReportArgs& a) {
 void AddGroupReportCommand(CLI::App& group, Context& ctx, Action& action) {
   auto a = std::make_shared<ReportArgs>();
   auto* cmd = group.add_subcommand("report", "Write the automatic group report (RTF)");
-  cmd->add_option("project", a->project, "PROJECT.dat")->required();
+  AddGroupSearchOptions(cmd, *a);
   cmd->add_option("--type", a->type, "Group type: family, hunt, gather, play, tribe or other (default family)");
   cmd->add_option("--out", a->out, "The RTF document (default GroupRep.rtf in the user data folder)");
   cmd->add_option("--user", a->user, "The name after \"Report produced by\" (default the UserName preference)");

@@ -33,7 +33,7 @@ void AddGroupSearchOptions(CLI::App* cmd, GroupSearchArgs& a) {
   cmd->add_option("--mode", a.mode, "combination (any points together) or same-point")
       ->check(CLI::IsMember({"combination", "same-point", "same"}, CLI::ignore_case));
   cmd->add_flag("--same-point", a.samePoint, "Same as --mode same-point");
-  cmd->add_option("--match", a.match, "Also list the charts of this match");
+  cmd->add_option("--match", a.match, "A match of the search: its charts listed (in a report, the pattern described)");
 }
 
 bool RunGroupSearchArgs(Context& ctx, const GroupSearchArgs& a, GroupSearchState& state, GroupSearchParams& p,

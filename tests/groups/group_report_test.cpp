@@ -72,6 +72,31 @@ TEST_F(GroupReport, ChaptersWithAndWithoutInterpretation) {
   EXPECT_EQ(outcome.StepLine, "Finished");
 }
 
+// A match the user picked: its search points, the members by point, the
+// others who come near, no chapters of the full report.
+TEST_F(GroupReport, DescribesASelectedMatch) {
+  const double m7 = 360.0 / 7.0;
+  for (int i = 0; i < 5; ++i) Plant(i + 2, kMoon, 10.0 + i * m7 + 0.02 * i);
+  Points({{kMoon, kMoon}, {kSun, kSun}});
+  GroupSearchParams p;
+  p.FromHarmonic = p.ToHarmonic = 7;
+  p.Orb = 8.0f;
+  p.Combination = false;
+  SearchGroupPatterns(t.session, state, p);
+  ASSERT_GE(state.MatchCount, 1);
+  GroupReportOptions options;
+  options.SelectedMatch = 1;
+  options.Path = t.dir.file("Selected.rtf");
+  outcome = WriteGroupReport(t.session, state, options);
+  ASSERT_EQ(outcome.Result, GroupReportResult::Written);
+  const std::string rtf = testing::ReadBytes(options.Path);
+  EXPECT_TRUE(BalancedRtf(rtf));
+  for (const char* text : {"User-Selected Pattern", "Same Point Search: The Moon", "{\\b The Moon} is contributed by:",
+                           "Pattern Harmonic: 7th;  Vacant Points: 2"})
+    EXPECT_NE(rtf.find(text), std::string::npos) << text;
+  EXPECT_EQ(rtf.find("Each Person's Role"), std::string::npos);
+}
+
 TEST_F(GroupReport, UntimedChartsDropTheMoonAnglesAndHouses) {
   for (int n : {2, 4}) t.session.project.Events[n].DetailLevel = 1;
   const auto primary = PrimaryPoints(t.session, GroupSearchCharts(t.session));
