@@ -81,8 +81,11 @@ int RunReport(Context& ctx, const ReportArgs& a) {
                    {"groupPatterns", outcome.GroupPatterns},
                    {"status", J(outcome.StepLine)}});
   } else if (code == kExitOk) {
-    std::cout << "Wrote the " << GroupTypes()[type].Title << " report to " << DisplayText(outcome.Path) << " ("
-              << outcome.RolePatterns << " role patterns, " << outcome.GroupPatterns << " group patterns)\n";
+    std::cout << "Wrote the " << GroupTypes()[type].Title << " report to " << DisplayText(outcome.Path);
+    if (a.match > 0)
+      std::cout << " (match " << a.match << ")\n";
+    else
+      std::cout << " (" << outcome.RolePatterns << " role patterns, " << outcome.GroupPatterns << " group patterns)\n";
   }
   return code;
 }
