@@ -29,6 +29,10 @@ int RunReport(Context& ctx, const ReportArgs& a) {
     std::cerr << "--type is one of family, hunt, gather, play, tribe, other\n";
     return kExitUsage;
   }
+  if (!a.out.empty() && !EqualsIgnoreCase(PathExtension(a.out), ".rtf")) {
+    std::cerr << "--out takes an .rtf file\n";
+    return kExitUsage;
+  }
   GroupSearchState state;
   if (a.match > 0) {
     GroupSearchParams p;

@@ -492,8 +492,8 @@ GroupReportOutcome Report::Run() {
   Main("Available Charts: " + std::to_string(count));
   Step("Initializing search...");
 
-  // The files: the document, the two interpretation files, the positions.
-  std::remove(out_.Path.c_str());
+  // The files: the two interpretation files, the document, the positions.
+  // The old document goes only once the texts are there to write a new one.
   const std::string general = FindInterpretationFile(s_, "general.int");
   const std::string type = FindInterpretationFile(s_, GroupTypes()[o_.GroupType].File);
   if (general.empty() || type.empty() || !OpenInterpretation(s_, general, general_) ||
@@ -501,7 +501,11 @@ GroupReportOutcome Report::Run() {
     out_.Result = GroupReportResult::NoFile;
     return out_;
   }
+  std::remove(out_.Path.c_str());
   if (!file_.Create(out_.Path)) {
+    s_.ShowMessage("An error occured during report generation: " + std::string(kLineEnd) + kLineEnd +
+                       "The report could not be written to " + out_.Path + ".",
+                   kIconStop, "Error");
     out_.Result = GroupReportResult::Failed;
     return out_;
   }

@@ -51,6 +51,8 @@ TEST_F(CliGroup, ReportIsWrittenAndRefusalsWriteNothing) {
   };
   const std::vector<Case> cases = {
       {{"group", "report", project, "--type", "club", "--out", dir.file("x.rtf")}, 2, "--type is one of"},
+      {{"group", "report", project, "--out", project}, 2, "--out takes an .rtf file"},
+      {{"group", "report", project, "--out", dir.file("no/such/folder/r.rtf")}, 1, "could not be written to"},
       {{"group", "search", project, "--points", "Sun,Vulcan"}, 1, "\"Vulcan\" is not a point"},
       {{"group", "search", project, "--harmonics", "12..5"}, 1, "Second harmonic value must be greater then"},
       {{"group", "search", project, "--harmonics", "0..400"}, 2, "--harmonics takes a range"},
@@ -61,6 +63,7 @@ TEST_F(CliGroup, ReportIsWrittenAndRefusalsWriteNothing) {
     EXPECT_NE(bad.err.find(c.err), std::string::npos) << bad.err;
   }
   EXPECT_FALSE(std::filesystem::exists(dir.file("x.rtf")));
+  EXPECT_EQ(testing::ReadBytes(project), testing::ReadBytes(std::string(VINTAR_SAMPLES_DIR) + "/royal_family.dat"));
 }
 
 }  // namespace
