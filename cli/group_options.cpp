@@ -89,6 +89,9 @@ void AddStripOptions(CLI::App* cmd, StripRequest& request) {
   cmd->add_option("--points", request.Points, "Points shown, e.g. Sun,Moon,Asc (default: all)");
   cmd->add_option("--midpoints-of", request.MidpointsOf, "Show each point's midpoint with this point");
   cmd->add_option("--highlight", request.Highlight, "Draw this point in colour on every strip");
+  cmd->add_option("--match", request.Match,
+                  "The charts of pattern K of a search of the default points in this harmonic (see group search)");
+  cmd->add_option("--orb", request.Orb, "The orb of that search at the first harmonic (default 8)");
 }
 
 int StripsForCommand(Context& ctx, StripRequest request, StripTable& table) {
@@ -109,8 +112,26 @@ int StripsForCommand(Context& ctx, StripRequest request, StripTable& table) {
     std::cerr << ForTerminal(error) << "\n";
     return kExitUsage;
   }
-  if (!CheckStripChartCount(s, static_cast<int>(records.size()))) return fail();
   TerminalProgress progress(ctx);
+  if (request.Match > 0) {
+    // The search screen's Display button: the charts of one pattern.
+    GroupSearchState state;
+    for (int p : DefaultSearchPoints(s)) AddSearchPair(s, state, p, p);
+    GroupSearchParams params;
+    params.FromHarmonic = params.ToHarmonic = table.PlotModulus;
+    params.Orb = request.Orb;
+    std::string focus;
+    if (!CheckGroupSearch(s, params, static_cast<int>(state.SearchPoints.size()), focus)) return fail();
+    SearchGroupPatterns(s, state, params, &progress);
+    if (!StripsFromMatch(table, state, request.Match)) {
+      s.ShowMessage("There is no match " + std::to_string(request.Match) + ": the search found " +
+                        std::to_string(state.MatchCount) + ".",
+                    kIconExclamation, "Chart Strips");
+      return fail();
+    }
+  } else if (!CheckStripChartCount(s, static_cast<int>(records.size()))) {
+    return fail();
+  }
   if (!RefreshStrips(s, table, &progress)) {
     s.ShowMessage("The positions of the charts could not be read from the position file.", kIconStop,
                   "Chart Strips");

@@ -128,6 +128,11 @@ bool StripPointFromText(const Session& session, const std::string& text, int& po
 struct StripRequest {
   int Harmonic = 1;
   std::string Records, Points, MidpointsOf, Highlight;
+  // Match k of a combination search of the default points in this harmonic
+  // with this orb (at the first harmonic) gives the charts instead of
+  // Records; 0: none.
+  int Match = 0;
+  float Orb = 8.0f;
 };
 // Sets the records, the shown points, the partner, the highlight and the
 // modulus (clamped) of `table`; false with the reason in `error`. The
