@@ -37,6 +37,18 @@ TEST_F(CliGroup, SearchRanksPatternsAndListsAMatch) {
   EXPECT_EQ(j["status"].get<std::string>().rfind("Finished Search: ", 0), 0u);
 }
 
+// The strips of one pattern: its charts, each marked with its point.
+TEST_F(CliGroup, StripsOfAMatch) {
+  const std::string out = dir.file("strips.png");
+  const testing::CliRun r =
+      RunVintar(dir, {"--json", "group", "strips", project, "--harmonic", "6", "--match", "1", "--out", out});
+  if (r.err.find("no drawing layer") != std::string::npos) GTEST_SKIP() << "built without the drawing layer";
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.json()["strips"].size(), 10u);
+  EXPECT_EQ(testing::ReadBytes(out).substr(1, 3), "PNG");
+  EXPECT_EQ(RunVintar(dir, {"group", "strips", project, "--harmonic", "6", "--match", "99", "--out", out}).status, 1);
+}
+
 TEST_F(CliGroup, ReportIsWrittenAndRefusalsWriteNothing) {
   const std::string out = dir.file("royal.rtf");
   const testing::CliRun r = RunVintar(dir, {"--json", "group", "report", project, "--type", "tribe", "--out", out});
