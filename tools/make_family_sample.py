@@ -39,8 +39,9 @@ Usage: python3 tools/make_family_sample.py [OUTPUT_STEM]
 
 import datetime
 import os
-import struct
 import sys
+
+from project_text import category_list, single
 
 TITLE = "The British Royal Family: four generations"
 CATEGORY_NAMES = ["Relation to Elizabeth II", "Generation", "Parents"]
@@ -203,25 +204,6 @@ MONTHS = ["Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", 
 
 class DataError(Exception):
     pass
-
-
-def single(value):
-    """The shortest decimal text that reads back as the same single-precision
-    float, in plain (not exponent) notation."""
-    f32 = struct.unpack("<f", struct.pack("<f", value))[0]
-    if f32 == 0.0:
-        return "0"
-    for digits in range(1, 10):
-        text = "%.*g" % (digits, f32)
-        if struct.unpack("<f", struct.pack("<f", float(text)))[0] == f32:
-            break
-    if "e" in text:
-        text = format(float(text), "f").rstrip("0").rstrip(".")
-    return text
-
-
-def category_list(values):
-    return "".join(str(v).strip() + " |" for v in values)
 
 
 def degrees(text, positive, negative):

@@ -59,8 +59,9 @@ groups the sports).
 import csv
 import hashlib
 import re
-import struct
 import sys
+
+from project_text import category_list, single
 
 EXPECTED_SHA256 = "613b965d54ba429231167034d7564ac2db9aabc6f5e6821810518b7f80a88913"
 EXPECTED_RECORDS = 2087
@@ -91,25 +92,6 @@ GAUQUELIN_PLACEHOLDER = re.compile(r"^Gauquelin-A1-\d+$")
 
 class SourceError(Exception):
     pass
-
-
-def single(value):
-    """The shortest decimal text that reads back as the same single-precision
-    float, in plain (not exponent) notation."""
-    f32 = struct.unpack("<f", struct.pack("<f", value))[0]
-    if f32 == 0.0:
-        return "0"
-    for digits in range(1, 10):
-        text = "%.*g" % (digits, f32)
-        if struct.unpack("<f", struct.pack("<f", float(text)))[0] == f32:
-            break
-    if "e" in text:
-        text = format(float(text), "f").rstrip("0").rstrip(".")
-    return text
-
-
-def category_list(values):
-    return "".join(str(v).strip() + " |" for v in values)
 
 
 def check_text(text, what, num):
