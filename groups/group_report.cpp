@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <iomanip>
-#include <sstream>
 
 #include "calc/cache.h"
 #include "calc/chart.h"
