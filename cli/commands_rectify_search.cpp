@@ -9,6 +9,7 @@
 #include "core/calendar.h"
 #include "calc/chart.h"
 #include "cli/commands.h"
+#include "cli/rectify_options.h"
 #include "core/parse.h"
 #include "core/text.h"
 #include "rectify/search.h"
@@ -49,20 +50,6 @@ const char* StatusText(int status) {
   }
 }
 
-// The options: the file named, else the search screen's own, else the
-// shipped defaults. False (after a message) when a named file is missing.
-bool LoadOptions(Context& ctx, const std::string& named, SearchState& state, std::string& used) {
-  Session& s = ctx.session;
-  if (!named.empty()) {
-    used = named;
-    if (LoadDynOptions(state.Options, used)) return true;
-    s.ShowMessage("Unable to open rectification options file: " + used, kIconExclamation, "Vintar");
-    return false;
-  }
-  used = LoadSearchScreenOptions(s, state.Options);
-  return true;
-}
-
 int RunSearch(Context& ctx, const SearchArgs& a) {
   Session& s = ctx.session;
   auto fail = [&ctx] {
@@ -71,24 +58,16 @@ int RunSearch(Context& ctx, const SearchArgs& a) {
   };
   if (!OpenProjectForCommand(ctx, a.path)) return kExitFailed;
   SearchState state;
-  std::string optionsPath;
-  if (!LoadOptions(ctx, a.options, state, optionsPath)) return fail();
-
-  const ProjectHeader& h = s.project.Header;
-  if (!CalcChart(s, 1, h.Date, FromArg(a.time), h.ZoneTime, h.Longitude, h.Latitude, h.Name, h.Place)) return fail();
-
-  const std::string from = a.from.empty() ? DefaultSearchStart(s) : FromArg(a.from);
-  const std::string to = a.to.empty() ? DefaultSearchEnd(s) : FromArg(a.to);
-  TerminalProgress progress(ctx);
-  progress.Caption("Searching " + s.vocab.DynamicMethodName[a.type]);
-  if (!DynamicSearchNew(s, state, a.type, from, to, &progress)) {
-    TellEmptySearchWindow(s, state, from, to);
-    return fail();
-  }
-  for (int i = 1; i <= state.HitCount(); ++i) {
-    DynamicHit& hit = state.Hits[i];
-    ScoreHit(s, state, hit, NearestEvent(s, hit), true);
-  }
+  DynamicSearchRun run;
+  run.Type = a.type;
+  run.Time = FromArg(a.time);
+  run.OptionsFile = a.options;
+  run.From = FromArg(a.from);
+  run.To = FromArg(a.to);
+  if (!RunDynamicSearchCommand(ctx, state, run)) return fail();
+  const std::string& optionsPath = run.OptionsUsed;
+  const std::string& from = run.From;
+  const std::string& to = run.To;
   const SearchTotalsResult totals = SearchTotals(state);
 
   if (ctx.json) {
@@ -145,6 +124,33 @@ int RunSearch(Context& ctx, const SearchArgs& a) {
 }
 
 }  // namespace
+
+bool RunDynamicSearchCommand(Context& ctx, SearchState& state, DynamicSearchRun& run) {
+  Session& s = ctx.session;
+  // The options: the file named, else the search screen's own, else the
+  // shipped defaults.
+  if (!run.OptionsFile.empty()) {
+    run.OptionsUsed = run.OptionsFile;
+    if (!LoadDynOptions(state.Options, run.OptionsUsed)) {
+      s.ShowMessage("Unable to open rectification options file: " + run.OptionsUsed, kIconExclamation, "Vintar");
+      return false;
+    }
+  } else {
+    run.OptionsUsed = LoadSearchScreenOptions(s, state.Options);
+  }
+  const ProjectHeader& h = s.project.Header;
+  if (!CalcChart(s, 1, h.Date, run.Time, h.ZoneTime, h.Longitude, h.Latitude, h.Name, h.Place)) return false;
+  if (run.From.empty()) run.From = DefaultSearchStart(s);
+  if (run.To.empty()) run.To = DefaultSearchEnd(s);
+  TerminalProgress progress(ctx);
+  progress.Caption("Searching " + s.vocab.DynamicMethodName[run.Type]);
+  if (!DynamicSearchNew(s, state, run.Type, run.From, run.To, &progress)) {
+    TellEmptySearchWindow(s, state, run.From, run.To);
+    return false;
+  }
+  for (int i = 1; i <= state.HitCount(); ++i) ScoreHit(s, state, state.Hits[i], NearestEvent(s, state.Hits[i]), true);
+  return true;
+}
 
 void AddRectifySearchCommands(CLI::App& rectify, Context& ctx, Action& action) {
   auto a = std::make_shared<SearchArgs>();

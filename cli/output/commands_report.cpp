@@ -24,6 +24,7 @@
 #include "calc/chart.h"
 #include "cli/commands.h"
 #include "cli/output/gui_app.h"
+#include "cli/rectify_options.h"
 #include "cli/research_options.h"
 #include "core/parse.h"
 #include "core/project_file.h"
@@ -197,26 +198,13 @@ int RunDynamic(Context& ctx, const RectifyArgs& a) {
     time = FormatTime(hours, minutes, seconds, s.prefs.AMPM != 0);
   }
   auto r = std::make_shared<Rectification>();
-  SearchState& state = r->search;
-  // The options: the file named, else the search screen's own, else the shipped defaults.
-  if (!a.options.empty()) {
-    if (!LoadDynOptions(state.Options, a.options)) {
-      s.ShowMessage("Unable to open rectification options file: " + a.options, kIconExclamation, "Vintar");
-      return Fail(ctx);
-    }
-  } else {
-    LoadSearchScreenOptions(s, state.Options);
-  }
-  if (!CalcChart(s, 1, h.Date, time, h.ZoneTime, h.Longitude, h.Latitude, h.Name, h.Place)) return Fail(ctx);
-  const std::string from = a.from.empty() ? DefaultSearchStart(s) : FromArg(a.from);
-  const std::string to = a.to.empty() ? DefaultSearchEnd(s) : FromArg(a.to);
-  TerminalProgress progress(ctx);
-  progress.Caption("Searching " + s.vocab.DynamicMethodName[a.type]);
-  if (!DynamicSearchNew(s, state, a.type, from, to, &progress)) {
-    TellEmptySearchWindow(s, state, from, to);
-    return Fail(ctx);
-  }
-  for (int i = 1; i <= state.HitCount(); ++i) ScoreHit(s, state, state.Hits[i], NearestEvent(s, state.Hits[i]), true);
+  DynamicSearchRun run;
+  run.Type = a.type;
+  run.Time = time;
+  run.OptionsFile = a.options;
+  run.From = FromArg(a.from);
+  run.To = FromArg(a.to);
+  if (!RunDynamicSearchCommand(ctx, r->search, run)) return Fail(ctx);
   ReportOptions options;
   options.ChartTime = time;
   return WritePdf(ctx, "dynamic", a.report, options, [&s, r](ReportDocument& doc, const ReportOptions& o) {
