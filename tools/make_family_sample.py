@@ -41,7 +41,7 @@ import datetime
 import os
 import sys
 
-from project_text import category_list, single
+from project_text import category_list, nat_text, single
 
 TITLE = "The British Royal Family: four generations"
 CATEGORY_NAMES = ["Relation to Elizabeth II", "Generation", "Parents"]
@@ -266,16 +266,6 @@ def record_line(person):
     return ",".join(fields)
 
 
-def nat_text():
-    strings = [TITLE, "", "", "Unknown", "", "", "", "", "", "0:00 am", "11:59 pm"]
-    lines = [
-        "VINTAR 2",
-        ",".join(f'"{s}"' for s in strings),
-        f'"{category_list(CATEGORY_NAMES)}","{category_list(CATEGORY_TYPES)}"',
-    ]
-    return "".join(line + "\r\n" for line in lines)
-
-
 def wrap(text, indent, width=78):
     """Fills text into lines of at most width characters; a text that opens
     with "- " hangs its later lines under the first word."""
@@ -383,7 +373,7 @@ def main(argv):
         sys.stderr.write(f"make_family_sample.py: {error}\n")
         return 1
     for suffix, text in ((".dat", "".join(line + "\r\n" for line in lines)),
-                         (".nat", nat_text()), (".txt", notes)):
+                         (".nat", nat_text(TITLE, CATEGORY_NAMES, CATEGORY_TYPES)), (".txt", notes)):
         with open(stem + suffix, "wb") as out:
             out.write(text.encode("ascii"))
     print(f"{len(lines)} records written to {stem}.dat, .nat and .txt")

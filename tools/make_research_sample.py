@@ -61,7 +61,7 @@ import hashlib
 import re
 import sys
 
-from project_text import category_list, single
+from project_text import category_list, nat_text, single
 
 EXPECTED_SHA256 = "613b965d54ba429231167034d7564ac2db9aabc6f5e6821810518b7f80a88913"
 EXPECTED_RECORDS = 2087
@@ -145,16 +145,6 @@ def convert_row(row):
     return int(num), ",".join(fields)
 
 
-def nat_text():
-    strings = [TITLE, "", "", "Unknown", "", "", "", "", "", "0:00 am", "11:59 pm"]
-    lines = [
-        "VINTAR 2",
-        ",".join(f'"{s}"' for s in strings),
-        f'"{category_list(CATEGORY_NAMES)}","{category_list(CATEGORY_TYPES)}"',
-    ]
-    return "".join(line + "\r\n" for line in lines)
-
-
 def main(argv):
     if len(argv) != 3:
         sys.stderr.write("usage: make_research_sample.py A1.csv OUTPUT_STEM\n")
@@ -178,7 +168,7 @@ def main(argv):
     with open(stem + ".dat", "wb") as out:
         out.write("".join(line + "\r\n" for _, line in records).encode("latin-1"))
     with open(stem + ".nat", "wb") as out:
-        out.write(nat_text().encode("latin-1"))
+        out.write(nat_text(TITLE, CATEGORY_NAMES, CATEGORY_TYPES).encode("latin-1"))
     print(f"{len(records)} records written to {stem}.dat and {stem}.nat (source SHA-256 {digest})")
     return 0
 

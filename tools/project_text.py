@@ -20,3 +20,14 @@ def single(value):
 
 def category_list(values):
     return "".join(str(v).strip() + " |" for v in values)
+
+
+def nat_text(title, category_names, category_types):
+    """The .nat file of a project without a natal chart of its own."""
+    strings = [title, "", "", "Unknown", "", "", "", "", "", "0:00 am", "11:59 pm"]
+    lines = [
+        "VINTAR 2",
+        ",".join(f'"{s}"' for s in strings),
+        f'"{category_list(category_names)}","{category_list(category_types)}"',
+    ]
+    return "".join(line + "\r\n" for line in lines)
