@@ -87,6 +87,17 @@ void NoteGlobalFlags(Context& ctx, const std::vector<std::string>& words) {
   }
 }
 
+void TakeOrderedWords(CLI::App* cmd, Context& ctx, Action& action, std::vector<std::string>& words,
+                      std::function<int()> run) {
+  cmd->allow_extras();
+  cmd->fallthrough(false);
+  cmd->callback([&ctx, &action, &words, cmd, run] {
+    words = cmd->remaining();
+    NoteGlobalFlags(ctx, words);
+    action = run;
+  });
+}
+
 // The results buttons for the command line: --disable-failed and
 // --save-passed. The project file changes only with --disable-failed.
 bool ApplyResultActions(Context& ctx, std::vector<int16_t>& flags, bool disable, const std::string& savePassed,
@@ -207,8 +218,6 @@ int RunCriteria(Context& ctx, CriteriaArgs& a) {
 void AddResearchCriteriaCommand(CLI::App& research, Context& ctx, Action& action) {
   auto* cmd = research.add_subcommand("criteria", "Test every enabled chart of a project against a criteria list");
   auto a = std::make_shared<CriteriaArgs>();
-  cmd->allow_extras();
-  cmd->fallthrough(false);
   cmd->add_option("--criteria", a->criteriaFile, "A criteria list (.vcr) instead of tests on the command line");
   cmd->add_option("--save-criteria", a->saveCriteria, "Save the list as a criteria file (.vcr)");
   cmd->add_flag("--disable-failed", a->disableFailed, "Disable the records that failed and save the project");
@@ -223,11 +232,7 @@ void AddResearchCriteriaCommand(CLI::App& research, Context& ctx, Action& action
       "  --not                  before a test: the test negated\n"
       "  --open | --close       brackets around tests\n"
       "CELLS: 1,5,9 or 1..3. Points as `research points` names them: Mars, \"Sun/Moon\", \"10th House Cusp\".");
-  cmd->callback([&ctx, &action, a, cmd] {
-    a->words = cmd->remaining();
-    NoteGlobalFlags(ctx, a->words);
-    action = [&ctx, a] { return RunCriteria(ctx, *a); };
-  });
+  TakeOrderedWords(cmd, ctx, action, a->words, [&ctx, a] { return RunCriteria(ctx, *a); });
 }
 
 }  // namespace vintar::cli

@@ -132,8 +132,6 @@ int RunSelect(Context& ctx, SelectArgs& a) {
 void AddResearchSelectCommand(CLI::App& research, Context& ctx, Action& action) {
   auto* cmd = research.add_subcommand("select", "Select the records of a project by their fields and categories");
   auto a = std::make_shared<SelectArgs>();
-  cmd->allow_extras();
-  cmd->fallthrough(false);
   cmd->add_flag("--disable-failed", a->disableFailed, "Disable the records not selected and save the project");
   cmd->add_option("--save-passed", a->savePassed, "Save the selected records as a new project (.dat)");
   cmd->footer(
@@ -141,11 +139,7 @@ void AddResearchSelectCommand(CLI::App& research, Context& ctx, Action& action) 
       "  --where FIELD:CONDITION:VALUE   e.g. \"Date:>=:1 Jan 1900\", \"Sport:matches:Football\"\n"
       "  --and | --or | --xor | --not | --open | --close   as in `research criteria`\n"
       "CONDITION: = <> > >= < <= matches contains starts.");
-  cmd->callback([&ctx, &action, a, cmd] {
-    a->words = cmd->remaining();
-    NoteGlobalFlags(ctx, a->words);
-    action = [&ctx, a] { return RunSelect(ctx, *a); };
-  });
+  TakeOrderedWords(cmd, ctx, action, a->words, [&ctx, a] { return RunSelect(ctx, *a); });
 }
 
 }  // namespace vintar::cli

@@ -5,6 +5,7 @@
 // of a search, from a .vcr file or from ordered --test/--pair words.
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -69,6 +70,11 @@ struct OrderedTerm {
 bool ParseOrderedTerms(Context& ctx, const std::vector<std::string>& words, const std::set<std::string>& termKinds,
                        std::string& project, std::vector<OrderedTerm>& terms);
 void NoteGlobalFlags(Context& ctx, const std::vector<std::string>& words);
+// Makes `cmd` a command of ordered words: what CLI11 does not parse lands in
+// `words` in the order given, the global flags among them are noted, and
+// `run` becomes the action.
+void TakeOrderedWords(CLI::App* cmd, Context& ctx, Action& action, std::vector<std::string>& words,
+                      std::function<int()> run);
 // After a criteria search or a selection: the failures disabled and saved,
 // or the passes written as a new project; false after a message.
 bool ApplyResultActions(Context& ctx, std::vector<int16_t>& flags, bool disable, const std::string& savePassed,
