@@ -8,6 +8,7 @@
 
 #include <algorithm>
 
+#include "output/report_lines.h"
 #include "output/drawing.h"
 #include "output/group_reports.h"
 #include "output/group_strips.h"
@@ -17,16 +18,8 @@ using namespace vintar;
 
 namespace {
 
-std::vector<std::string> Texts(const ReportDocument& doc, int sheet = 0) {
-  std::vector<std::string> texts;
-  for (const ReportLine& line : doc.Lines())
-    if (sheet == 0 || line.sheet == sheet) texts.push_back(line.text);
-  return texts;
-}
-
-bool Has(const std::vector<std::string>& texts, const std::string& text) {
-  return std::find(texts.begin(), texts.end(), text) != texts.end();
-}
+using testing::Has;
+using testing::Texts;
 
 // Whether any pixel of `rect` in `image` is not white.
 bool Inked(const QImage& image, const QRect& rect) {

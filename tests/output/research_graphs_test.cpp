@@ -11,6 +11,7 @@
 #include <numbers>
 
 #include "core/project_ops.h"
+#include "output/report_lines.h"
 #include "output/drawing.h"
 #include "output/research_reports.h"
 #include "qt_support/qt_test_support.h"
@@ -41,16 +42,8 @@ TabulationRun MadeRun(int code, int cells) {
   return run;
 }
 
-std::vector<std::string> Texts(const ReportDocument& doc, int sheet = 0) {
-  std::vector<std::string> texts;
-  for (const ReportLine& line : doc.Lines())
-    if (sheet == 0 || line.sheet == sheet) texts.push_back(line.text);
-  return texts;
-}
-
-bool Has(const std::vector<std::string>& texts, const std::string& text) {
-  return std::find(texts.begin(), texts.end(), text) != texts.end();
-}
+using testing::Has;
+using testing::Texts;
 
 bool HasPart(const std::vector<std::string>& texts, const std::string& part) {
   return std::any_of(texts.begin(), texts.end(), [&](const std::string& t) { return t.find(part) != t.npos; });
