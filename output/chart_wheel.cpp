@@ -6,13 +6,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <numeric>
+
+#include "output/drawing.h"
 
 namespace vintar {
 namespace {
-
-constexpr const char* kGlyphFont = "DejaVu Sans";
-constexpr double kPi = 3.14159265358979323846;
 
 // Radii as shares of the wheel's radius, from the outside in.
 constexpr double kOuterGlyph = 0.925;
@@ -36,7 +36,7 @@ double Norm(double degrees) {
 }
 
 // The room one glyph takes on a ring, degrees.
-double GapAt(double radius) { return kGlyphSize * 1.25 / radius * 180.0 / kPi; }
+double GapAt(double radius) { return kGlyphSize * 1.25 / radius * 180.0 / std::numbers::pi; }
 
 struct Geometry {
   QPointF centre;
@@ -45,13 +45,13 @@ struct Geometry {
 
   // The Ascendant lies at the left; longitudes grow counter-clockwise.
   QPointF At(double longitude, double share) const {
-    const double a = (180.0 + longitude - ascendant) * kPi / 180.0;
+    const double a = (180.0 + longitude - ascendant) * std::numbers::pi / 180.0;
     return {centre.x() + radius * share * std::cos(a), centre.y() - radius * share * std::sin(a)};
   }
 };
 
 QFont GlyphFont(double pixels) {
-  QFont font(kGlyphFont);
+  QFont font(kGlyphFontName);
   font.setPixelSize(std::max(1, static_cast<int>(std::lround(pixels))));
   return font;
 }

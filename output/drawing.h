@@ -12,6 +12,9 @@
 
 namespace vintar {
 
+// The font of the astrological glyphs (the Unicode symbols) in every picture.
+inline constexpr const char* kGlyphFontName = "DejaVu Sans";
+
 // Paints a picture into `area` of the painter's device.
 using PaintFunction = std::function<void(QPainter& painter, const QRectF& area)>;
 

@@ -8,11 +8,10 @@
 #include <cstdio>
 
 #include "core/parse.h"
+#include "output/drawing.h"
 
 namespace vintar {
 namespace {
-
-constexpr const char* kGlyphFont = "DejaVu Sans";
 
 // The bands round the plot, as shares of the area held between bounds.
 struct GraphBands {
@@ -62,7 +61,7 @@ double HeightStep(double top) {
 }
 
 QFont SizedFont(double pixels, bool bold = false) {
-  QFont font(kGlyphFont);
+  QFont font(kGlyphFontName);
   font.setPixelSize(std::max(6, int(pixels + 0.5)));
   font.setBold(bold);
   return font;

@@ -15,14 +15,13 @@
 namespace vintar {
 namespace {
 
-constexpr const char* kGlyphFont = "DejaVu Sans";
 const QColor kInk(25, 25, 25);
 const QColor kBaseInk(70, 70, 70);
 const QColor kGridInk(228, 228, 228);
 const QColor kMarkInk(200, 40, 40);
 
 QFont SizedFont(double pixels, bool bold = false) {
-  QFont font(kGlyphFont);
+  QFont font(kGlyphFontName);
   font.setPixelSize(std::max(1, static_cast<int>(std::lround(pixels))));
   font.setBold(bold);
   return font;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <vector>
 
 #include "output/drawing.h"
@@ -13,8 +14,6 @@
 namespace vintar {
 namespace {
 
-constexpr const char* kGraphFont = "DejaVu Sans";
-constexpr double kPi = 3.14159265358979323846;
 // The dial's full radius and the ring of its labels, in area heights; the
 // pointer finds cells out to 0.42.
 constexpr double kDialRadius = 0.33;
@@ -37,7 +36,7 @@ Bands BandsOf(const QRectF& area) {
 }
 
 QFont SizedFont(double pixels, bool bold = false) {
-  QFont font(kGraphFont);
+  QFont font(kGlyphFontName);
   font.setPixelSize(std::max(5, int(pixels + 0.5)));
   font.setBold(bold);
   return font;
@@ -203,7 +202,7 @@ void PaintBars(QPainter& painter, const QRectF& area, const Bands& b, const Sess
 }
 
 QPointF OnDial(QPointF centre, double cellAngle, double radius) {
-  const double a = (cellAngle - 90.0) * kPi / 180.0;
+  const double a = (cellAngle - 90.0) * std::numbers::pi / 180.0;
   return centre + QPointF(std::cos(a) * radius, std::sin(a) * radius);
 }
 
@@ -268,7 +267,7 @@ void PaintPolar(QPainter& painter, const QRectF& area, const Bands& b, const Ses
   double widest = 0;
   for (int cell = 1; cell <= cells; ++cell)
     widest = std::max(widest, std::min(lm.horizontalAdvance(ResearchCellLabel(session, run, cell)), 3.0 * lm.height()));
-  const int every = LabelStep(widest, 2 * kPi * labelRadius / cells, cells);
+  const int every = LabelStep(widest, 2 * std::numbers::pi * labelRadius / cells, cells);
   for (int cell = 1; cell <= cells; cell += every) {
     const QString label = ResearchCellLabel(session, run, cell);
     const QPointF at = OnDial(centre, (cell - 0.5) * span, labelRadius);
@@ -351,7 +350,7 @@ int ResearchGraphCellAt(const TabulationRun& run, int display, const QRectF& are
   if (area.height() <= 0) return 0;
   if (display == kPolarGraph) {
     const QPointF d = point - ResearchPolarCentre(area);
-    const double angle = std::atan2(d.y(), d.x()) * 180.0 / kPi;
+    const double angle = std::atan2(d.y(), d.x()) * 180.0 / std::numbers::pi;
     return PolarCellAt(run, angle, std::hypot(d.x(), d.y()) / area.height());
   }
   const QRectF plot = ResearchBarPlotRect(area);
