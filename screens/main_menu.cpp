@@ -36,6 +36,8 @@
 #include "screens/project/file_menu.h"
 #include "screens/places/places_menu.h"
 #include "screens/rectify/rectify_menu.h"
+#include "screens/research/research_menu.h"
+#include "screens/groups/groups_menu.h"
 
 namespace vintar {
 
@@ -330,6 +332,29 @@ void MainMenu::BuildMenus() {
   AddCommand(rect, tr("&Dynamic Chart..."), QKeySequence("F9"), true, [&wb, w] { ShowDynamicChart(wb, w); },
              "RectChart");
 
+  QMenu* family = menuBar()->addMenu(tr("Fa&mily"));
+  family->setObjectName("mnuFamily");
+  AddCommand(family, tr("&Group Search..."), QKeySequence("Ctrl+G"), true, [&wb, w] { ShowGroupSearch(wb, w); },
+             "mnuGroupSearch");
+  AddCommand(family, tr("Chart &Strips..."), QKeySequence("Ctrl+Shift+G"), true, [&wb, w] { ShowGroupStrips(wb, w); },
+             "mnuGroupStrips");
+  AddCommand(family, tr("&Automatic Report..."), QKeySequence("Ctrl+Shift+R"), true,
+             [&wb, w] { ShowGroupReport(wb, w); }, "mnuGroupReport");
+
+  QMenu* research = menuBar()->addMenu(tr("Re&search"));
+  research->setObjectName("mnuResearch");
+  AddCommand(research, tr("&Points..."), QKeySequence("Ctrl+Shift+I"), false, [&wb, w] { ShowPointList(wb, w); },
+             "mnuResPoints");
+  AddCommand(research, tr("&Tabulate..."), QKeySequence("F11"), true, [&wb, w] { ShowTabulate(wb, w); },
+             "mnuResTabulate");
+  AddCommand(research, tr("&Criteria Search..."), QKeySequence("F12"), true,
+             [&wb, w] { ShowCriteriaSearch(wb, w); }, "mnuResCriteria");
+  AddCommand(research, tr("&Select Records..."), QKeySequence("Ctrl+Shift+C"), true,
+             [&wb, w] { ShowRecordSelection(wb, w); }, "mnuCatSel");
+  research->addSeparator();
+  AddCommand(research, tr("C&ontrol Data..."), QKeySequence("Ctrl+Shift+D"), false,
+             [&wb, w] { ShowControlData(wb, w); }, "mnuRandParam");
+
   QMenu* places = menuBar()->addMenu(tr("&Places"));
   places->setObjectName("mnuPlaces");
   AddCommand(places, tr("&Atlas Look-up..."), QKeySequence("Ctrl+L"), false, [&wb, w] { ShowAtlas(wb, w); },
@@ -617,6 +642,8 @@ int ScreenshotTour(QApplication& app, const DesktopArguments& a) {
   ScreenshotTourPlaces(wb, &window, shoot);
   ScreenshotTourRectify(wb, &window, shoot);
   ScreenshotTourChart(wb, &window, shoot);
+  ScreenshotTourResearch(wb, &window, shoot);
+  ScreenshotTourGroups(wb, &window, shoot);
   ScreenshotTourReports(wb, &window, shoot);
   std::fprintf(stderr, "%d screens saved in %s\n", shots, PathOf(a.screenshotDir).c_str());
   return shots > 0 ? 0 : 1;

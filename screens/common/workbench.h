@@ -9,8 +9,15 @@
 
 #include "core/project_ops.h"
 #include "core/session.h"
+#include "groups/group_search.h"
+#include "groups/strips.h"
 #include "places/atlas_entry.h"
 #include "rectify/rectification.h"
+#include "research/control.h"
+#include "research/criteria.h"
+#include "research/points.h"
+#include "research/selection.h"
+#include "research/tabulate.h"
 
 namespace vintar {
 
@@ -21,6 +28,19 @@ struct Workbench {
   RecentFilesMenu recent;
   AtlasLookupState atlas;
   NotepadHooks notepad = SystemNotepadHooks();
+  // The Research menu: the point list, the last tabulation's parameters,
+  // the criteria list, the record selection and the control data options
+  // stay as the user left them until the program ends.
+  ResearchState research;
+  TabulateParams tabulate;
+  CriteriaList criteria;
+  SelectionList selection;
+  ControlOptions control;
+  // The Family menu: the search points, the last search and its matches,
+  // and the charts of the strips window.
+  GroupSearchState group;
+  GroupSearchParams groupParams;
+  StripTable strips;
   // Called after anything that changes the open project, its title or its
   // records, so that the main window redraws its summary and menus.
   std::function<void()> projectChanged = [] {};
