@@ -1,7 +1,5 @@
 #include "screens/rectify/rectify_support.h"
 
-#include <QDialog>
-#include <QShortcut>
 
 #include "calc/astro.h"
 #include "core/parse.h"
@@ -53,19 +51,6 @@ void SetRectifyEventsEditor(std::function<void(Workbench&, QWidget*)> editor) { 
 
 void OpenEventsEditor(Workbench& wb, QWidget* parent) {
   if (EventsEditor()) EventsEditor()(wb, parent);
-}
-
-void ShowToolWindow(QWidget* window) {
-  window->setWindowFlag(Qt::Window);
-  // A dialog closes on Esc by itself; the other windows the same way.
-  if (!qobject_cast<QDialog*>(window)) {
-    auto* escape = new QShortcut(QKeySequence::Cancel, window);
-    QObject::connect(escape, &QShortcut::activated, window, &QWidget::close);
-  }
-  window->setAttribute(Qt::WA_DeleteOnClose);
-  window->show();
-  window->raise();
-  window->activateWindow();
 }
 
 }  // namespace vintar

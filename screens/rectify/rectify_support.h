@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include "rectify/rectification.h"
+#include "screens/common/tool_window.h"
 #include "screens/common/workbench.h"
 
 class QAbstractButton;
@@ -38,8 +39,5 @@ QString LongitudeRange(const Session& session, const AngleResult::Range& range);
 // Opens the event list for editing (the editor that the main window set
 // with SetRectifyEventsEditor).
 void OpenEventsEditor(Workbench& wb, QWidget* parent);
-
-// Shows a top-level tool window that deletes itself when closed.
-void ShowToolWindow(QWidget* window);
 
 }  // namespace vintar
