@@ -1,5 +1,6 @@
 // The preference screens: the settings of the whole program on one tabbed
-// screen (PreferencesScreen) with the "Save Preferences" and "Restore
+// screen (PreferencesScreen: general, charts, places, rectification,
+// reports, folders, and the symbol-font keys kept for older files) with the "Save Preferences" and "Restore
 // Preferences" commands, the century and user ayanamsa screen (CenturyDef)
 // and the house point selection of the user house system (HousePoint).
 #pragma once
@@ -41,6 +42,14 @@ class PreferencesScreen : public QDialog {
   QCheckBox* prompt_;
   QCheckBox* monthFirst_;
   QCheckBox* autoAtlas_;
+  QCheckBox* useACS_;
+  QCheckBox* illinois_;
+  QCheckBox* useOtherWP_;
+  QLineEdit* userName_;
+  QComboBox* reportFont_;
+  QDoubleSpinBox* autoGraphMinWeight_;
+  QComboBox* autoScoreMode_;
+  QLineEdit* swissEph_;
   QRadioButton* cuaKeys_;
   QRadioButton* novaKeys_;
   QRadioButton* ampm_;

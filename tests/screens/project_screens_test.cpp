@@ -3,6 +3,7 @@
 // screen's field checks with add, delete and cancel, the natal details, a
 // project opened and saved again through the dialogues, and pictures of the
 // two entry screens.
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -16,6 +17,7 @@
 
 #include "core/file_io.h"
 #include "core/parse.h"
+#include "core/preferences.h"
 #include "core/project_file.h"
 #include "core/project_ops.h"
 #include "core/text.h"
@@ -411,6 +413,21 @@ class ProjectScreensTest : public QObject {
     houses.Choose(3, 10);
     Click(&houses, "OKButton");
     QCOMPARE(fx.session.vocab.HouseSystemName[kUserHouseSystem], std::string("Sun on 10th"));
+
+    // The preferences that the reports and Auto Rectify read come back
+    // from the screen into the session and the preference file.
+    PreferencesScreen prefs(*fx.wb, nullptr);
+    Child<QCheckBox>(&prefs, "chkUseOtherWP")->setChecked(true);
+    Child<QComboBox>(&prefs, "cmbAutoScoreMode")->setCurrentIndex(1);
+    Type(&prefs, "txtUserName", "A. Astrologer");
+    Child<QComboBox>(&prefs, "cmbReportFont")->setCurrentText("DejaVu Serif");
+    Click(&prefs, "OKButton");
+    QCOMPARE(prefs.result(), int(QDialog::Accepted));
+    QCOMPARE(fx.session.prefs.UseOtherWP, kTrue);
+    QCOMPARE(fx.session.prefs.AutoScoreMode, int16_t(1));
+    QCOMPARE(GetPreferenceText(fx.session, "UserName", ""), std::string("A. Astrologer"));
+    QCOMPARE(GetPreferenceText(fx.session, "ReportFontName", ""), std::string("DejaVu Serif"));
+    QVERIFY(testing::GrabNotBlank(&prefs, "preferences"));
   }
 
   void entryScreensAreDrawn() {
