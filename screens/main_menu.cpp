@@ -35,6 +35,7 @@
 #include "screens/common/report_preview.h"
 #include "screens/project/file_menu.h"
 #include "screens/places/places_menu.h"
+#include "screens/common/tool_window.h"
 #include "screens/rectify/rectify_menu.h"
 #include "screens/research/research_menu.h"
 #include "screens/groups/groups_menu.h"
@@ -194,6 +195,7 @@ MainMenu::MainMenu(Workbench& workbench, QWidget* parent)
   ResetMainWindow(wb_.session);
   Refresh();
   resize(1000, 680);
+  KeepFormPlace(this, wb_.session, objectName());
 }
 
 MainMenu::~MainMenu() { wb_.projectChanged = [] {}; }

@@ -1,12 +1,19 @@
-// Opening a screen as a top-level window of its own beside the main window.
+// Opening a screen as a top-level window of its own beside the main window,
+// and the windows that keep their place between sessions (VTDesktop.ini).
 #pragma once
 
 #include <QWidget>
 
+#include "core/session.h"
+
 namespace vintar {
 
 // Shows a top-level tool window that deletes itself when closed; Esc
-// closes it.
-void ShowToolWindow(QWidget* window);
+// closes it. With a session, a window with an object name keeps its place.
+void ShowToolWindow(QWidget* window, const Session* session = nullptr);
+
+// The window goes back to the place stored under `form` when first shown
+// (if that place lies on a screen) and stores its place when closed.
+void KeepFormPlace(QWidget* window, const Session& session, const QString& form);
 
 }  // namespace vintar

@@ -271,7 +271,7 @@ void AngleSearch::OpenChart() {
 void AngleSearch::OpenTransits() {
   const std::vector<int> rows = SelectedCandidates();
   if (rows.empty()) return;
-  ShowToolWindow(new TransitSearch(wb_, parentWidget(), CandidateTime(rows.front())));
+  ShowToolWindow(new TransitSearch(wb_, parentWidget(), CandidateTime(rows.front())), &wb_.session);
 }
 
 void AngleSearch::OpenAutoRectify() {
@@ -279,7 +279,7 @@ void AngleSearch::OpenAutoRectify() {
   // starts from the events.
   const int mode = wb_.rect.peaks.Results.Count > 0 ? kAutoFromCandidates : kAutoFromEvents;
   auto* screen = new RectStat(wb_, parentWidget());
-  ShowToolWindow(screen);
+  ShowToolWindow(screen, &wb_.session);
   screen->Start(mode);
 }
 

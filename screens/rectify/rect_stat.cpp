@@ -163,7 +163,7 @@ void RectStat::OpenChart() {
 
 void RectStat::OpenTransits() {
   const double time = SelectedTime();
-  if (time >= 0.0) ShowToolWindow(new TransitSearch(wb_, parentWidget(), time));
+  if (time >= 0.0) ShowToolWindow(new TransitSearch(wb_, parentWidget(), time), &wb_.session);
 }
 
 void RectStat::Print() {

@@ -30,14 +30,14 @@ void OpenGraphs(Workbench& wb, QWidget* parent) {
   LoadProjectGraphSettings(wb);
   MarkGraphsStale(wb.session);
   auto* screen = new Rectify(wb, parent);
-  ShowToolWindow(screen);
+  ShowToolWindow(screen, &wb.session);
 }
 
 }  // namespace
 
 void ShowViability(Workbench& wb, QWidget* parent) {
   if (!wb.session.project.Open) return;
-  ShowToolWindow(new ValRep(wb, parent));
+  ShowToolWindow(new ValRep(wb, parent), &wb.session);
 }
 
 void ShowRectify(Workbench& wb, QWidget* parent) {
@@ -52,7 +52,7 @@ void ShowRectify(Workbench& wb, QWidget* parent) {
   }
   auto* report = new ValRep(wb, parent, /*beforeGraphs=*/true);
   QObject::connect(report, &ValRep::continued, report, [&wb, parent] { OpenGraphs(wb, parent); });
-  ShowToolWindow(report);
+  ShowToolWindow(report, &wb.session);
 }
 
 void ShowAngleSearch(Workbench& wb, QWidget* parent) {
@@ -60,18 +60,18 @@ void ShowAngleSearch(Workbench& wb, QWidget* parent) {
   LoadProjectGraphSettings(wb);
   MarkGraphsStale(wb.session);
   if (!BuildShownGraphs(wb, parent)) return;
-  ShowToolWindow(new AngleSearch(wb, parent));
+  ShowToolWindow(new AngleSearch(wb, parent), &wb.session);
 }
 
 void ShowTransitSearch(Workbench& wb, QWidget* parent) {
   if (!ReadyToRectify(wb)) return;
-  ShowToolWindow(new TransitSearch(wb, parent));
+  ShowToolWindow(new TransitSearch(wb, parent), &wb.session);
 }
 
 void ShowAutoRectify(Workbench& wb, QWidget* parent) {
   if (!ReadyToRectify(wb)) return;
   auto* screen = new RectStat(wb, parent);
-  ShowToolWindow(screen);
+  ShowToolWindow(screen, &wb.session);
   screen->Start(kAutoFromEvents);
 }
 

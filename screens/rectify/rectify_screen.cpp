@@ -149,7 +149,7 @@ void Rectify::OpenViability() {
 
 void Rectify::OpenAngleSearch() {
   if (wb_.session.cache.NeedsGraphRecalc && !Rebuild()) return;
-  ShowToolWindow(new AngleSearch(wb_, parentWidget()));
+  ShowToolWindow(new AngleSearch(wb_, parentWidget()), &wb_.session);
 }
 
 void Rectify::ClearPeaks() {

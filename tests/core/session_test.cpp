@@ -10,6 +10,7 @@
 #include <limits>
 
 #include "core/file_io.h"
+#include "core/form_places.h"
 #include "core/preferences.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -236,6 +237,21 @@ TEST(ProfileFile, SectionsKeysCaseAndDeletion) {
   ASSERT_TRUE(PutProfileNumber(s, "New", "State", 2, file));
   EXPECT_EQ(ReadBytes(file),
             "; a comment\r\n[Form Main]\r\ntop=\"20\"\r\nWidth=300\r\n\r\n[Other]\r\nLeft=99\r\n\r\n[New]\r\nState=2\r\n");
+}
+
+TEST(FormPlaces, MinimisedAndMaximisedKeepTheNormalPlace) {
+  TestSession t;
+  const Session& s = t.session;
+  EXPECT_FALSE(LoadFormPlace(s, "Rectify").HasPosition);
+  ASSERT_TRUE(SaveFormPlace(s, "Rectify", {kFormNormal, 10, 20, 640, 480}));
+  ASSERT_TRUE(SaveFormPlace(s, "Rectify", {kFormMaximised, 0, 0, 1920, 1080}));
+  ASSERT_TRUE(SaveFormPlace(s, "Rectify", {kFormMinimised, -32000, -32000, 160, 28}));
+  const FormPlace place = LoadFormPlace(s, "Rectify");
+  EXPECT_EQ(place.State, kFormMinimised);
+  EXPECT_TRUE(place.HasPosition && place.HasSize);
+  EXPECT_EQ(place.Left, 0);  // from the maximised close
+  EXPECT_EQ(place.Width, 640);
+  EXPECT_EQ(GetProfileText(s, "Form Rectify", "Height", "", s.paths.DesktopFile), "480");
 }
 
 TEST(ProfileFile, AnUnwritableFileFailsWithoutDamage) {

@@ -29,6 +29,13 @@ class MainMenuTest : public QObject {
     QVERIFY(!window.findChild<QAction*>("mnuRecent1")->isVisible());
     window.resize(900, 600);
     QVERIFY(testing::GrabNotBlank(&window, "main_window_empty"));
+
+    // Closed, the window keeps its place for the next start.
+    window.setGeometry(40, 50, 700, 500);
+    window.close();
+    MainMenu next(*fx.wb);
+    next.show();
+    QCOMPARE(next.geometry(), QRect(40, 50, 700, 500));
   }
 
   void showsTheOpenProjectAndAsksBeforeClosing() {
