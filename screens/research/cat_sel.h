@@ -1,0 +1,53 @@
+// Record selection by category (CatSel, "Data Record Selection"): a list
+// of conditions on what the records hold -- description, date, day range,
+// detail level, zone, time, place, latitude, longitude and the project's
+// own categories -- joined by And, Or and Xor with Not and brackets. OK
+// flags every enabled record with a progress window and shows the result
+// on the results screen, which can switch the failures off.
+#pragma once
+
+#include <QDialog>
+
+#include <vector>
+
+#include "screens/common/workbench.h"
+
+class QComboBox;
+class QListWidget;
+
+namespace vintar {
+
+class CatSel : public QDialog {
+  Q_OBJECT
+ public:
+  CatSel(Workbench& wb, QWidget* parent);
+
+  void SelectConditions(const std::vector<int>& rows);  // from 1
+  std::vector<int> SelectedConditions() const;
+  QStringList Lines() const;
+  // The run over the open project; false without conditions or when stopped.
+  bool Run();
+  const SelectionRun& LastRun() const { return run_; }
+
+ public slots:
+  void AddClicked();  // btnAdd
+  void DeleteClicked();
+  void ClearClicked();
+  void ConnectiveClicked(int connective);
+  void NotClicked();
+  void BracketClicked();
+  void FieldChanged();
+  void LeaveValue();
+  void accept() override;  // with no conditions it is Cancel
+
+ private:
+  void Refresh();
+  Workbench& wb_;
+  SelectionRun run_;
+  QComboBox* field_;
+  QComboBox* condition_;
+  QComboBox* value_;
+  QListWidget* list_;
+};
+
+}  // namespace vintar
