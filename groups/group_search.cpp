@@ -660,4 +660,18 @@ bool CheckReportRecordCount(Session& session) {
   return false;
 }
 
+double GroupPatternScore(const GroupMatch& match) {
+  return match.Charts * 1000.0 + (match.Charts > 0 ? static_cast<double>(match.Hits) / match.Charts : 0.0);
+}
+
+std::vector<int> RankedGroupMatches(const GroupSearchState& state) {
+  const int count = std::min(state.MatchCount, static_cast<int>(state.Matches.size()) - 1);
+  std::vector<int> ranked;
+  for (int k = 1; k <= count; ++k) ranked.push_back(k);
+  std::stable_sort(ranked.begin(), ranked.end(), [&](int x, int y) {
+    return GroupPatternScore(state.Matches[x]) > GroupPatternScore(state.Matches[y]);
+  });
+  return ranked;
+}
+
 }  // namespace vintar

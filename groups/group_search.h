@@ -193,4 +193,10 @@ bool CheckStripChartCount(Session& session, int selected);
 // The report button: at least 3 records.
 bool CheckReportRecordCount(Session& session);
 
+// The order the matches are ranked in for the user: more charts first, then
+// more hits per chart (the report's scoring without its node floor); equal
+// scores keep their search order. Match numbers, 1-based.
+double GroupPatternScore(const GroupMatch& match);
+std::vector<int> RankedGroupMatches(const GroupSearchState& state);
+
 }  // namespace vintar

@@ -251,4 +251,49 @@ std::vector<StripListEntry> HighListEntries(const Session& session) {
 
 std::vector<StripListEntry> MidPointListEntries(const Session& session) { return DisplayListEntries(session); }
 
+namespace {
+
+// The element of a SecondaryList line, 0 when the line names none.
+int DetailElement(const GroupSearchState& state, int line) {
+  if (line < 0 || line >= static_cast<int>(state.DetailSlots.size())) return 0;
+  const int e = state.DetailSlots[static_cast<size_t>(line)];
+  return e >= 1 && e < static_cast<int>(state.ElementChart.size()) && state.ElementChart[e] > 0 ? e : 0;
+}
+
+}  // namespace
+
+std::vector<int> DetailLineCharts(const GroupSearchState& state, const std::vector<int>& lines) {
+  std::vector<int> charts;
+  for (int line : lines) {
+    const int e = DetailElement(state, line);
+    if (e > 0 && std::find(charts.begin(), charts.end(), state.ElementChart[e]) == charts.end())
+      charts.push_back(state.ElementChart[e]);
+  }
+  return charts;
+}
+
+bool StripsFromDetailLines(StripTable& table, const GroupSearchState& state, int k, const std::vector<int>& lines) {
+  if (k < 1 || k > state.MatchCount || k >= static_cast<int>(state.Matches.size())) return false;
+  std::vector<int> records, focus;
+  for (int line : lines) {
+    const int e = DetailElement(state, line);
+    if (e == 0 || std::find(records.begin(), records.end(), state.ElementChart[e]) != records.end()) continue;
+    if (static_cast<int>(records.size()) == kStripCount) break;
+    records.push_back(state.ElementChart[e]);
+    const bool single = state.ElementFirst[e] == state.ElementSecond[e];
+    focus.push_back(single ? state.ElementFirst[e] : kStripFocusMidpoint);
+  }
+  if (records.empty()) return false;
+  const GroupMatch& match = state.Matches[k];
+  SetStripRecords(table, records);
+  for (size_t i = 0; i < records.size(); ++i) {
+    table.StripSelected[i + 1] = true;
+    table.StripFocusPoint[i + 1] = focus[i];
+  }
+  table.PlotModulus = ClampPlotModulus(match.Harmonic);
+  const double ratio = std::isfinite(match.Position) ? match.Position * table.PlotModulus / 360.0 : 0.0;
+  table.ScaleStart = GroupMod(ratio, 1.0);
+  return true;
+}
+
 }  // namespace vintar

@@ -153,4 +153,12 @@ std::vector<StripListEntry> HighListEntries(const Session& session);
 // MidPointList: the partners a midpoint can be taken with.
 std::vector<StripListEntry> MidPointListEntries(const Session& session);
 
+// The search screen's Display button: the charts of the SecondaryList lines
+// the user selected (0-based line numbers), each chart once in line order;
+// and the strips of those charts with the harmonic and position of match k,
+// each strip's focus the point of the chart's first selected line. False
+// when no line names a chart or there is no match k.
+std::vector<int> DetailLineCharts(const GroupSearchState& state, const std::vector<int>& lines);
+bool StripsFromDetailLines(StripTable& table, const GroupSearchState& state, int k, const std::vector<int>& lines);
+
 }  // namespace vintar
