@@ -80,16 +80,6 @@ std::string Fixed(double v, int decimals) {
   return t.str();
 }
 
-// A probability as people read it: four decimals, or the power of ten
-// when smaller ("3.2e-07"); the series never goes below 1e-10.
-std::string PText(double p) {
-  if (p >= 0.001) return Fixed(p, 4);
-  if (p <= 1e-10) return "< 1e-10";
-  std::ostringstream t;
-  t << std::scientific << std::setprecision(1) << p;
-  return t.str();
-}
-
 bool Fourier(const TabulationRun& run) { return run.Params.DataType == kHarmonicData; }
 
 nlohmann::json RunJson(const Session& s, const TabulationRun& run) {
@@ -205,14 +195,11 @@ std::string RunText(const Session& s, const TabulationRun& run, int style) {
   for (int c = 1; c <= all; ++c) {
     const std::vector<std::string> block = StatisticsBlock(s, run, c);
     if (c == all && run.ColumnCount == 1) break;  // the total of one column is that column
-    const bool fits = !Fourier(run) && run.Params.DataType != kNatalDetailsData;
-    const EvenSpreadFit f = fits ? EvenSpreadTest(run, c) : EvenSpreadFit{};
-    if (block.empty() && !f.Valid) continue;
+    const std::string fit = EvenSpreadText(run, c);
+    if (block.empty() && fit.empty()) continue;
     t << ForTerminal(heads[c - 1]) << ":";
     for (const auto& line : block) t << "  " << ForTerminal(line);
-    if (f.Valid)
-      t << "\n  goodness of fit over " << run.UsedCells << " cells: chi-square " << Fixed(f.Chi, 2) << ", " << f.Dof
-        << " degrees of freedom, p " << (f.P <= 1e-10 ? "" : "= ") << PText(f.P);
+    if (!fit.empty()) t << "\n  " << fit;
     t << "\n";
   }
   return t.str();

@@ -301,6 +301,29 @@ EvenSpreadFit EvenSpreadTest(const TabulationRun& run, int column) {
   return f;
 }
 
+namespace {
+
+// A probability as people read it: four decimals, or the power of ten
+// when smaller ("3.2e-07"); the series never goes below 1e-10.
+std::string ProbabilityText(double p) {
+  if (p >= 0.001) return FormatFixed(p, 4);
+  if (p <= 1e-10) return "< 1e-10";
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1e", p);
+  return text;
+}
+
+}  // namespace
+
+std::string EvenSpreadText(const TabulationRun& run, int column) {
+  if (run.Params.DataType == kHarmonicData || run.Params.DataType == kNatalDetailsData) return "";
+  const EvenSpreadFit f = EvenSpreadTest(run, column);
+  if (!f.Valid) return "";
+  return "goodness of fit over " + std::to_string(run.UsedCells) + " cells: chi-square " + FormatFixed(f.Chi, 2) +
+         ", " + std::to_string(f.Dof) + " degrees of freedom, p " + (f.P <= 1e-10 ? "" : "= ") +
+         ProbabilityText(f.P);
+}
+
 std::vector<std::string> StatisticsBlock(const Session& session, const TabulationRun& run, int column) {
   int code = run.Params.Code;
   if (code == 301 || code == 303 || !ValidColumn(run, column)) return {};

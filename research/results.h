@@ -91,6 +91,10 @@ struct EvenSpreadFit {
   bool Valid = false;
 };
 EvenSpreadFit EvenSpreadTest(const TabulationRun& run, int column);
+// The fit as one line, "goodness of fit over 36 cells: chi-square 57.04, 35
+// degrees of freedom, p = 0.0110"; empty where it does not apply (harmonic
+// amplitudes, natal details, nothing counted).
+std::string EvenSpreadText(const TabulationRun& run, int column);
 
 // The statistics block of a column as lines ("Avg Count = 8.33", "Division
 // = Aries", "Count = 14.0", "Chi Sq (11) = 3.3", "Prob. = 1 in 2"); empty

@@ -135,7 +135,9 @@ void ReportPagesView::Update() {
 }
 
 bool IsResearchPrintCaption(const QString& caption) {
-  return caption == "Print Bar Graph" || caption == "Print Polar Graph" || caption == "Print Table";
+  // The search results list their own records.
+  return caption == "Print Bar Graph" || caption == "Print Polar Graph" || caption == "Print Table" ||
+         caption == "Criteria Search Results" || caption == "Data Search Results";
 }
 
 // ---------------------------------------------------------------- PrintGraph

@@ -47,7 +47,8 @@ class ReportPagesView : public QWidget {
   QPushButton* next_;
 };
 
-// The captions for which the list of enabled records is not offered.
+// The captions for which the list of enabled records is not offered: the
+// research graphs and tables, and the search results.
 bool IsResearchPrintCaption(const QString& caption);
 
 // What both print screens share: the preview of the report's pages, the

@@ -27,7 +27,7 @@ void ShowGroupSearch(Workbench& wb, QWidget* parent) {
     open->activateWindow();
     return;
   }
-  ShowToolWindow(new GroupSearch(wb, parent));
+  ShowToolWindow(new GroupSearch(wb, parent), &wb.session);
 }
 
 void ShowGroupStrips(Workbench& wb, QWidget* parent) {
@@ -48,7 +48,7 @@ void ShowGroupStrips(Workbench& wb, QWidget* parent) {
 
 void ShowGroupReport(Workbench& wb, QWidget* parent) {
   if (!wb.session.project.Open || !CheckReportRecordCount(wb.session)) return;
-  ShowToolWindow(new GrpAuto(wb, parent, 0));
+  ShowToolWindow(new GrpAuto(wb, parent, 0), &wb.session);
 }
 
 void ScreenshotTourGroups(Workbench& wb, QWidget* parent, const std::function<void(QWidget*, const QString&)>& shoot) {

@@ -513,12 +513,12 @@ void GroupSearch::Print() {
 void GroupSearch::Delineate() {
   const int k = SelectedMatch();
   if (k == 0 || !wb_.group.CurrentMatches) return;
-  ShowToolWindow(new GrpAuto(wb_, parentWidget(), k));
+  ShowToolWindow(new GrpAuto(wb_, parentWidget(), k), &wb_.session);
 }
 
 void GroupSearch::AutoReport() {
   if (!CheckReportRecordCount(wb_.session)) return;
-  ShowToolWindow(new GrpAuto(wb_, parentWidget(), 0));
+  ShowToolWindow(new GrpAuto(wb_, parentWidget(), 0), &wb_.session);
 }
 
 void GroupSearch::Quit() {

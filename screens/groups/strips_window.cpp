@@ -259,7 +259,7 @@ void OpenStripsWindow(Workbench& wb, QWidget* parent) {
       return;
     }
   }
-  ShowToolWindow(new Groups(wb, parent));
+  ShowToolWindow(new Groups(wb, parent), &wb.session);
 }
 
 }  // namespace vintar

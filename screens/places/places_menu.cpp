@@ -88,10 +88,13 @@ void ScreenshotTourPlaces(Workbench& wb, QWidget* parent,
     });
     screen.findChild<QLineEdit*>("txtPlace")->setText(QStringLiteral("Olm, Germany"));
     screen.LookUp();
-    SetCandidateRunner({});
+    // The project's own place may have several candidates too: the tour
+    // takes the first rather than wait for a choice.
+    SetCandidateRunner([](ACSPlace&) { return int(QDialog::Accepted); });
     if (!h.Place.empty()) screen.findChild<QLineEdit*>("txtPlace")->setText(Q(h.Place));
     if (!h.Date.empty()) screen.findChild<QLineEdit*>("txtDate")->setText(Q(h.Date));
     screen.LookUp();
+    SetCandidateRunner({});
     Shoot(&screen, "atlas", shoot);
     if (screen.Found()) {
       ACSZones zones(wb, parent, screen.Place().zone, 1850, 1950);

@@ -220,7 +220,8 @@ void CatSel::accept() {
   std::vector<std::string> lines;
   for (int i = 1; i <= wb_.selection.Count(); ++i) lines.push_back(SelCriterionText(wb_.session, wb_.selection, i));
   ShowToolWindow(new ResOut(wb_, parentWidget(), ResOut::Origin::Selection, run_.PassedFlags, run_.Enabled,
-                            run_.Passed, std::move(lines)));
+                            run_.Passed, std::move(lines)),
+                 &wb_.session);
   QDialog::accept();
 }
 

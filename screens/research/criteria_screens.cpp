@@ -12,16 +12,16 @@ namespace vintar {
 
 void ShowCriteriaSearch(Workbench& wb, QWidget* parent) {
   if (!wb.session.project.Open) return;
-  ShowToolWindow(new ResCriteria(wb, parent));
+  ShowToolWindow(new ResCriteria(wb, parent), &wb.session);
 }
 
 void ShowRecordSelection(Workbench& wb, QWidget* parent) {
   if (!wb.session.project.Open) return;
-  ShowToolWindow(new CatSel(wb, parent));
+  ShowToolWindow(new CatSel(wb, parent), &wb.session);
 }
 
 void ShowControlData(Workbench& wb, QWidget* parent) {
-  ShowToolWindow(new RandParam(wb, parent));
+  ShowToolWindow(new RandParam(wb, parent), &wb.session);
 }
 
 void ScreenshotTourCriteria(Workbench& wb, QWidget* parent, const ShootFunction& shoot) {

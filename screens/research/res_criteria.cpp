@@ -478,7 +478,7 @@ void ResCriteria::accept() {
   if (!Search()) return;
   auto* out = new ResOut(wb_, parentWidget(), ResOut::Origin::Criteria, run_.PassedFlags, run_.Enabled, run_.Passed,
                          CriteriaLines(wb_.session, wb_.research, wb_.criteria));
-  ShowToolWindow(out);
+  ShowToolWindow(out, &wb_.session);
 }
 
 // ---------------------------------------------------------------- ResOut
@@ -605,7 +605,7 @@ void ResOut::ViewClicked() {
   layout->addWidget(list);
   layout->addWidget(box);
   view->resize(520, 420);
-  ShowToolWindow(view);
+  ShowToolWindow(view, &wb_.session);
 }
 
 void ResOut::PrintClicked() {

@@ -309,7 +309,7 @@ TabulationWindow* ResTabulate::Run() {
   }
   if (run.Failed) return nullptr;
   auto* results = new TabulationWindow(wb_, std::move(run), parentWidget());
-  ShowToolWindow(results);
+  ShowToolWindow(results, &wb_.session);
   return results;
 }
 

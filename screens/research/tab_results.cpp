@@ -200,8 +200,12 @@ void TabulationWindow::Refresh() {
   const std::vector<std::string> block = StatisticsBlock(wb_.session, run_, Column());
   QStringList lines;
   for (const std::string& line : block) lines << Q(line);
-  stats_->setText(column_->currentText() + QStringLiteral(":   ") +
-                  (lines.isEmpty() ? QStringLiteral("-") : lines.join(QStringLiteral("   "))));
+  QString text = column_->currentText() + QStringLiteral(":   ") +
+                 (lines.isEmpty() ? QStringLiteral("-") : lines.join(QStringLiteral("   ")));
+  // Beside the one-cell test, the fit of the whole column to an even spread.
+  const std::string fit = EvenSpreadText(run_, Column());
+  if (!fit.empty()) text += QLatin1Char('\n') + Q(fit);
+  stats_->setText(text);
   stats_->setVisible(display == kTabulationDisplay);
   pointer_->clear();
   graph_->update();

@@ -17,10 +17,12 @@ void ShowPointList(Workbench& wb, QWidget* parent) {
   // Opened from the menu, nobody else reads the cancel flag.
   Session& s = wb.session;
   QObject::connect(editor, &QDialog::rejected, [&s] { s.DialogCancelled = kFalse; });
-  ShowToolWindow(editor);
+  ShowToolWindow(editor, &wb.session);
 }
 
-void ShowTabulate(Workbench& wb, QWidget* parent) { ShowToolWindow(new ResTabulate(wb, parent)); }
+void ShowTabulate(Workbench& wb, QWidget* parent) {
+  ShowToolWindow(new ResTabulate(wb, parent), &wb.session);
+}
 
 void ScreenshotTourTabulation(Workbench& wb, QWidget* parent, const ShootFunction& shoot) {
   Session& s = wb.session;
@@ -33,14 +35,18 @@ void ScreenshotTourTabulation(Workbench& wb, QWidget* parent, const ShootFunctio
   // The tour leaves the point list and the last settings as it found them.
   const ResearchState research = wb.research;
   const TabulateParams params = wb.tabulate;
+  bool byDefault = false;
   if (wb.research.Selected.empty()) {
-    // Sun to Pluto by sign: a table that any project with charts fills.
-    for (int point = 3; point <= 11; ++point) {
-      PointRef ref;
-      ref.Item1 = static_cast<uint8_t>(point);
-      wb.research.Selected.push_back(ref);
-    }
+    // Mars in the 36 sectors of its diurnal arc, the classic test of a
+    // planet's place after rising; charts without time and place fall back
+    // to Sun to Pluto by sign below.
+    PointRef mars;
+    mars.Item1 = 6;
+    wb.research.Selected.push_back(mars);
     wb.tabulate = TabulateParams{};
+    wb.tabulate.DataType = 6;
+    wb.tabulate.Code = 504;
+    byDefault = true;
   }
   {
     PointEdit points(wb, parent);
@@ -59,6 +65,16 @@ void ScreenshotTourTabulation(Workbench& wb, QWidget* parent, const ShootFunctio
     run.Points = wb.research.Selected;
   }
   TabulationRun result = TabulateRun(s, wb.research, run);
+  if (byDefault && (result.Failed || result.ChartsUsed == 0)) {
+    run = TabulateParams{};
+    run.Points.clear();
+    for (int point = 3; point <= 11; ++point) {
+      PointRef ref;
+      ref.Item1 = static_cast<uint8_t>(point);
+      run.Points.push_back(ref);
+    }
+    result = TabulateRun(s, wb.research, run);
+  }
   if (!result.Failed && result.CellCount > 0) {
     TabulationWindow window(wb, std::move(result), parent);
     window.SetRemember(false);
