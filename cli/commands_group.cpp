@@ -12,11 +12,6 @@ namespace vintar::cli {
 
 namespace {
 
-// The pattern score of the report's ranking: charts first, density next.
-double PatternScore(const GroupMatch& m) {
-  return m.Charts * 1000.0 + (m.Charts > 0 ? static_cast<double>(m.Hits) / m.Charts : 0.0);
-}
-
 // The distinct search pairs of a match, by name.
 std::vector<std::string> MatchPointNames(const Session& s, const GroupSearchState& state, int k) {
   std::vector<std::string> names;
@@ -34,11 +29,7 @@ int RunSearch(Context& ctx, const GroupSearchArgs& a) {
   if (!RunGroupSearchArgs(ctx, a, state, p, code)) return code;
   Session& s = ctx.session;
 
-  std::vector<int> ranked(state.MatchCount);
-  for (int k = 1; k <= state.MatchCount; ++k) ranked[k - 1] = k;
-  std::stable_sort(ranked.begin(), ranked.end(), [&](int x, int y) {
-    return PatternScore(state.Matches[x]) > PatternScore(state.Matches[y]);
-  });
+  const std::vector<int> ranked = RankedGroupMatches(state);
 
   if (ctx.json) {
     nlohmann::json matches = nlohmann::json::array();
@@ -57,7 +48,7 @@ int RunSearch(Context& ctx, const GroupSearchArgs& a) {
                          {"position", m.Position},
                          {"orb", p.Orb / m.Harmonic},
                          {"vacant", m.Vacant},
-                         {"score", PatternScore(m)},
+                         {"score", GroupPatternScore(m)},
                          {"line", J(state.MatchesList[k - 1])}});
     }
     nlohmann::json detail = nlohmann::json::array();
@@ -84,7 +75,7 @@ int RunSearch(Context& ctx, const GroupSearchArgs& a) {
     std::string names;
     for (const std::string& name : MatchPointNames(s, state, k)) names += (names.empty() ? "" : ", ") + name;
     char score[32];
-    std::snprintf(score, sizeof score, "%.2f", PatternScore(state.Matches[k]));
+    std::snprintf(score, sizeof score, "%.2f", GroupPatternScore(state.Matches[k]));
     std::cout << r + 1 << ". [match " << k << "] " << ForTerminal(state.MatchesList[k - 1]) << "\n     points: "
               << ForTerminal(names) << "; vacant " << state.Matches[k].Vacant << "; score " << score << "\n";
   }
