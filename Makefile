@@ -33,12 +33,17 @@ desktop: build
 	@cp samples/einstein.dat samples/einstein.nat samples/einstein.txt $(BUILD)/demo/
 	$(BUILD)/screens/vintar-desktop --config-dir $(BUILD)/demo/config $(BUILD)/demo/einstein.dat
 
-# Remakes the README's pictures: every main screen on the sample, offscreen.
+# Remakes the README's pictures, offscreen: every screen on the rectification
+# sample, the research sample and the family sample, each in its own folder.
+SCREENSHOT_SAMPLES ?= einstein gauquelin_a1 royal_family
 screenshots: build
-	@mkdir -p $(BUILD)/demo $(BUILD)/screenshots
-	@cp samples/einstein.dat samples/einstein.nat samples/einstein.txt $(BUILD)/demo/
-	QT_QPA_PLATFORM=offscreen $(BUILD)/screens/vintar-desktop --config-dir $(BUILD)/demo/config \
-	  --screenshot $(BUILD)/screenshots $(BUILD)/demo/einstein.dat
+	@for stem in $(SCREENSHOT_SAMPLES); do \
+	  mkdir -p $(BUILD)/demo $(BUILD)/screenshots/$$stem && \
+	  cp samples/$$stem.dat samples/$$stem.nat $(BUILD)/demo/ && \
+	  { [ ! -f samples/$$stem.txt ] || cp samples/$$stem.txt $(BUILD)/demo/; } && \
+	  QT_QPA_PLATFORM=offscreen $(BUILD)/screens/vintar-desktop --config-dir $(BUILD)/demo/config \
+	    --screenshot $(BUILD)/screenshots/$$stem $(BUILD)/demo/$$stem.dat || exit 1; \
+	done
 
 # Installs under /usr/local (PREFIX=... for elsewhere); `make package`
 # builds the Debian package in $(BUILD).
