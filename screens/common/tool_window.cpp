@@ -1,5 +1,6 @@
 #include "screens/common/tool_window.h"
 
+#include <QApplication>
 #include <QDialog>
 #include <QEvent>
 #include <QGuiApplication>
@@ -81,6 +82,12 @@ void ShowToolWindow(QWidget* window, const Session* session) {
   window->show();
   window->raise();
   window->activateWindow();
+}
+
+void SettleTourWindow(QWidget* window) {
+  window->setWindowFlag(Qt::Window);
+  window->show();
+  QApplication::processEvents();
 }
 
 }  // namespace vintar

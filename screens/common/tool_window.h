@@ -16,4 +16,8 @@ void ShowToolWindow(QWidget* window, const Session* session = nullptr);
 // (if that place lies on a screen) and stores its place when closed.
 void KeepFormPlace(QWidget* window, const Session& session, const QString& form);
 
+// The screenshot tour's way of opening a screen: as a window of its own,
+// shown and painted before the picture is taken. Never waits for input.
+void SettleTourWindow(QWidget* window);
+
 }  // namespace vintar

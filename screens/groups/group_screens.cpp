@@ -54,22 +54,17 @@ void ShowGroupReport(Workbench& wb, QWidget* parent) {
 void ScreenshotTourGroups(Workbench& wb, QWidget* parent, const std::function<void(QWidget*, const QString&)>& shoot) {
   Session& s = wb.session;
   if (!s.project.Open || GroupSearchCharts(s).empty()) return;
-  auto settle = [](QWidget* w) {
-    w->setWindowFlag(Qt::Window);
-    w->show();
-    QApplication::processEvents();
-  };
   // The tour leaves the family state as it found it.
   const GroupSearchState group = wb.group;
   const GroupSearchParams params = wb.groupParams;
   const StripTable strips = wb.strips;
   {
     GroupSearch search(wb, parent);
-    settle(&search);
+    SettleTourWindow(&search);
     shoot(&search, "group-search");
     search.Search();
     if (!search.ShownMatches().empty()) search.SelectMatch(search.ShownMatches().front());
-    settle(&search);
+    SettleTourWindow(&search);
     shoot(&search, "group-matches");
 
     if (search.SelectedMatch() > 0)
@@ -77,12 +72,12 @@ void ScreenshotTourGroups(Workbench& wb, QWidget* parent, const std::function<vo
     else
       SetStripRecords(wb.strips, GroupSearchCharts(s));
     Groups window(wb, parent);
-    settle(&window);
+    SettleTourWindow(&window);
     shoot(&window, "group-strips");
   }
   {
     GrpAuto report(wb, parent, 0);
-    settle(&report);
+    SettleTourWindow(&report);
     shoot(&report, "group-report");
   }
   wb.group = group;

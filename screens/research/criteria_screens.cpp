@@ -27,11 +27,6 @@ void ShowControlData(Workbench& wb, QWidget* parent) {
 void ScreenshotTourCriteria(Workbench& wb, QWidget* parent, const ShootFunction& shoot) {
   Session& s = wb.session;
   if (!s.project.Open) return;
-  auto settle = [](QWidget* w) {
-    w->setWindowFlag(Qt::Window);
-    w->show();
-    QApplication::processEvents();
-  };
   // The tour builds its list on a copy and leaves the user's state as found.
   const CriteriaList criteria = wb.criteria;
   const ResearchState research = wb.research;
@@ -46,7 +41,7 @@ void ScreenshotTourCriteria(Workbench& wb, QWidget* parent, const ShootFunction&
   wb.research.Selected = points;
   {
     ResCriteria screen(wb, parent);
-    settle(&screen);
+    SettleTourWindow(&screen);
     screen.ChooseDivision(kLongitudeData, 2);  // elements
     screen.SelectPoints({0});
     screen.SelectCells({1});
@@ -71,7 +66,7 @@ void ScreenshotTourCriteria(Workbench& wb, QWidget* parent, const ShootFunction&
       const CriteriaRun& run = screen.LastRun();
       ResOut out(wb, parent, ResOut::Origin::Criteria, run.PassedFlags, run.Enabled, run.Passed,
                  CriteriaLines(s, wb.research, wb.criteria));
-      settle(&out);
+      SettleTourWindow(&out);
       shoot(&out, "research-results-out");
     }
   }
@@ -80,12 +75,12 @@ void ScreenshotTourCriteria(Workbench& wb, QWidget* parent, const ShootFunction&
     AddSelCriterion(wb.selection, 7, 7, "a");
     SetSelConnective(wb.selection, {2}, kOrOperator);
     CatSel screen(wb, parent);
-    settle(&screen);
+    SettleTourWindow(&screen);
     shoot(&screen, "research-select");
   }
   {
     RandParam screen(wb, parent);
-    settle(&screen);
+    SettleTourWindow(&screen);
     shoot(&screen, "research-control");
   }
   wb.criteria = criteria;

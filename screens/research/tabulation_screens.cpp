@@ -27,11 +27,6 @@ void ShowTabulate(Workbench& wb, QWidget* parent) {
 void ScreenshotTourTabulation(Workbench& wb, QWidget* parent, const ShootFunction& shoot) {
   Session& s = wb.session;
   if (!s.project.Open) return;
-  auto settle = [](QWidget* w) {
-    w->setWindowFlag(Qt::Window);
-    w->show();
-    QApplication::processEvents();
-  };
   // The tour leaves the point list and the last settings as it found them.
   const ResearchState research = wb.research;
   const TabulateParams params = wb.tabulate;
@@ -50,13 +45,13 @@ void ScreenshotTourTabulation(Workbench& wb, QWidget* parent, const ShootFunctio
   }
   {
     PointEdit points(wb, parent);
-    settle(&points);
+    SettleTourWindow(&points);
     shoot(&points, "research-points");
   }
   TabulateParams run;
   {
     ResTabulate screen(wb, parent);
-    settle(&screen);
+    SettleTourWindow(&screen);
     shoot(&screen, "research-tabulate");
     run = screen.Params();
   }
@@ -78,7 +73,7 @@ void ScreenshotTourTabulation(Workbench& wb, QWidget* parent, const ShootFunctio
   if (!result.Failed && result.CellCount > 0) {
     TabulationWindow window(wb, std::move(result), parent);
     window.SetRemember(false);
-    settle(&window);
+    SettleTourWindow(&window);
     const struct {
       int display;
       const char* name;
@@ -91,7 +86,7 @@ void ScreenshotTourTabulation(Workbench& wb, QWidget* parent, const ShootFunctio
     const TabulationRun& shown = window.Run();
     const FilterBlock block{true, 1, std::min(3, shown.CellCount), 1, 1};
     Extract extract(wb, shown, block, &window);
-    settle(&extract);
+    SettleTourWindow(&extract);
     shoot(&extract, "research-extract");
   }
   wb.research = research;

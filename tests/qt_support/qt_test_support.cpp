@@ -1,9 +1,12 @@
 #include "qt_support/qt_test_support.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QJsonDocument>
 #include <QPixmap>
+#include <QProcess>
 
 namespace vintar::testing {
 
@@ -44,6 +47,24 @@ bool GrabNotBlank(QWidget* widget, const QString& name) {
     for (int x = 0; x < image.width(); x += 2)
       if (image.pixel(x, y) != first) return true;
   return false;
+}
+
+QJsonObject CliJson(const DesktopFixture& fx, const QStringList& args) {
+  QProcess cli;
+  QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+  env.insert("XDG_DATA_HOME", QString::fromStdString(fx.TempPath("cli-data")));
+  env.insert("XDG_CONFIG_HOME", QString::fromStdString(fx.TempPath("cli-config")));
+  cli.setProcessEnvironment(env);
+  cli.start(VINTAR_CLI_PATH,
+            QStringList{"--config-dir", QString::fromStdString(fx.TempPath("cli-config")), "--json"} + args);
+  cli.waitForFinished(-1);
+  return QJsonDocument::fromJson(cli.readAllStandardOutput()).object();
+}
+
+void CloseAllWindows() {
+  for (QWidget* w : QApplication::topLevelWidgets()) w->close();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  qDeleteAll(QApplication::topLevelWidgets());
 }
 
 }  // namespace vintar::testing

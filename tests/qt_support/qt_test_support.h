@@ -3,6 +3,8 @@
 // project, and grabbing a widget to a PNG in the build folder.
 #pragma once
 
+#include <QJsonObject>
+#include <QStringList>
 #include <QTemporaryDir>
 #include <QWidget>
 
@@ -30,5 +32,13 @@ struct DesktopFixture {
 // Saves the widget's picture as VINTAR_PICTURES_DIR/<name>.png and returns
 // false when it is blank (one colour throughout).
 bool GrabNotBlank(QWidget* widget, const QString& name);
+
+// `vintar --config-dir <temp>/cli-config --json ARGS`, with the data and
+// configuration folders of its environment in the fixture's temporary
+// folder: the JSON object it printed.
+QJsonObject CliJson(const DesktopFixture& fx, const QStringList& args);
+
+// Closes and deletes every top-level window a test left open.
+void CloseAllWindows();
 
 }  // namespace vintar::testing

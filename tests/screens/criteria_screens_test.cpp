@@ -40,29 +40,11 @@ struct Opened : testing::DesktopFixture {
     }
     sink.Clear();
   }
-  QJsonObject Cli(QStringList args) {
-    QProcess cli;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("XDG_DATA_HOME", QString::fromStdString(TempPath("cli-data")));
-    env.insert("XDG_CONFIG_HOME", QString::fromStdString(TempPath("cli-config")));
-    cli.setProcessEnvironment(env);
-    args.prepend("--json");
-    args.prepend(QString::fromStdString(TempPath("cli-config")));
-    args.prepend("--config-dir");
-    args.append(QString::fromStdString(path));
-    cli.start(VINTAR_CLI_PATH, args);
-    cli.waitForFinished(-1);
-    return QJsonDocument::fromJson(cli.readAllStandardOutput()).object();
-  }
+  // The command line on the same copy of the project.
+  QJsonObject Cli(const QStringList& args) { return testing::CliJson(*this, args + QStringList{QString::fromStdString(path)}); }
   QString LastTitle() const { return sink.messages.empty() ? QString() : QString::fromStdString(sink.messages.back().title); }
   std::string path;
 };
-
-void CloseAll() {
-  for (QWidget* w : QApplication::topLevelWidgets()) w->close();
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  qDeleteAll(QApplication::topLevelWidgets());
-}
 
 void Click(QWidget* screen, const char* button) {
   auto* b = screen->findChild<QPushButton*>(button);
@@ -103,7 +85,7 @@ class CriteriaScreensTest : public QObject {
  private slots:
   void init() { fx_ = std::make_unique<Opened>(); }
   void cleanup() {
-    CloseAll();
+    testing::CloseAllWindows();
     fx_.reset();
   }
 

@@ -37,12 +37,8 @@ struct Royal : testing::DesktopFixture {
     sink.Clear();
   }
   QJsonObject Cli(QStringList args) {
-    QProcess cli;
-    args = QStringList{"--config-dir", QString::fromStdString(TempPath("cli-config")), "--json"} + args;
-    args.insert(5, QString::fromStdString(path));  // after "group search"
-    cli.start(VINTAR_CLI_PATH, args);
-    cli.waitForFinished(-1);
-    return QJsonDocument::fromJson(cli.readAllStandardOutput()).object();
+    args.insert(2, QString::fromStdString(path));  // after "group search"
+    return testing::CliJson(*this, args);
   }
   std::string path;
 };
@@ -52,12 +48,6 @@ T* Window(const char* name) {
   for (QWidget* w : QApplication::topLevelWidgets())
     if (auto* t = qobject_cast<T*>(w); t && w->objectName() == name && w->isVisible()) return t;
   return nullptr;
-}
-
-void CloseAll() {
-  for (QWidget* w : QApplication::topLevelWidgets()) w->close();
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  qDeleteAll(QApplication::topLevelWidgets());
 }
 
 void Set(QWidget* screen, const char* field, const QString& text) {
@@ -82,7 +72,7 @@ class GroupScreensTest : public QObject {
  private slots:
   void init() { fx_ = std::make_unique<Royal>(); }
   void cleanup() {
-    CloseAll();
+    testing::CloseAllWindows();
     fx_.reset();
   }
 

@@ -44,20 +44,8 @@ struct Opened : testing::DesktopFixture {
   }
   // `vintar --json <args> <project>` on the same copy, with its own empty
   // configuration and data folders.
-  QJsonObject Cli(QStringList args) {
-    QProcess cli;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("XDG_DATA_HOME", QString::fromStdString(TempPath("cli-data")));
-    env.insert("XDG_CONFIG_HOME", QString::fromStdString(TempPath("cli-config")));
-    cli.setProcessEnvironment(env);
-    args.prepend("--json");
-    args.prepend(QString::fromStdString(TempPath("cli-config")));
-    args.prepend("--config-dir");
-    args.append(QString::fromStdString(path));
-    cli.start(VINTAR_CLI_PATH, args);
-    cli.waitForFinished(-1);
-    return QJsonDocument::fromJson(cli.readAllStandardOutput()).object();
-  }
+  // The command line on the same copy of the project.
+  QJsonObject Cli(const QStringList& args) { return testing::CliJson(*this, args + QStringList{QString::fromStdString(path)}); }
   std::string path;
 };
 
@@ -72,12 +60,6 @@ QList<T*> Windows(const char* name) {
 
 // Closes and deletes the windows the commands opened, while the workbench
 // they hold still stands.
-void CloseAll() {
-  for (QWidget* w : QApplication::topLevelWidgets()) w->close();
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  qDeleteAll(QApplication::topLevelWidgets());
-}
-
 void Click(QWidget* screen, const char* button) {
   auto* b = screen->findChild<QPushButton*>(button);
   QVERIFY2(b, button);
@@ -91,7 +73,7 @@ class RectifyScreensTest : public QObject {
  private slots:
   void init() { fx_ = std::make_unique<Opened>(); }
   void cleanup() {
-    CloseAll();
+    testing::CloseAllWindows();
     fx_.reset();
   }
 

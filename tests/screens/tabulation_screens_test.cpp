@@ -41,16 +41,8 @@ struct Opened : testing::DesktopFixture {
   }
   // `vintar --json research <command> <project> <args>` on the same copy.
   QJsonObject Cli(QStringList args) {
-    QProcess cli;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("XDG_DATA_HOME", QString::fromStdString(TempPath("cli-data")));
-    env.insert("XDG_CONFIG_HOME", QString::fromStdString(TempPath("cli-config")));
-    cli.setProcessEnvironment(env);
     args.insert(1, QString::fromStdString(path));
-    args = QStringList{"--config-dir", QString::fromStdString(TempPath("cli-config")), "--json", "research"} + args;
-    cli.start(VINTAR_CLI_PATH, args);
-    cli.waitForFinished(-1);
-    return QJsonDocument::fromJson(cli.readAllStandardOutput()).object();
+    return testing::CliJson(*this, QStringList{"research"} + args);
   }
   std::string path;
 };
@@ -74,12 +66,6 @@ TabulationWindow* ResultsWindow() {
   return nullptr;
 }
 
-void CloseAll() {
-  for (QWidget* w : QApplication::topLevelWidgets()) w->close();
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  qDeleteAll(QApplication::topLevelWidgets());
-}
-
 // A table of one column and twelve empty cells, for the checks that need
 // no counting.
 TabulationRun EmptySignRun() {
@@ -99,7 +85,7 @@ class TabulationScreensTest : public QObject {
  private slots:
   void init() { fx_ = std::make_unique<Opened>(); }
   void cleanup() {
-    CloseAll();
+    testing::CloseAllWindows();
     fx_.reset();
   }
 
