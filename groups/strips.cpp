@@ -60,6 +60,24 @@ void SetStripRecords(StripTable& table, const std::vector<int>& records) {
   table.ScaleStart = 0.0;
 }
 
+namespace {
+
+// The strips of `records`, each with its focus point, in the harmonic of
+// `match` and scrolled to its position.
+void ShowMatchStrips(StripTable& table, const GroupMatch& match, const std::vector<int>& records,
+                     const std::vector<int>& focus) {
+  SetStripRecords(table, records);
+  for (size_t i = 0; i < records.size(); ++i) {
+    table.StripSelected[i + 1] = true;
+    table.StripFocusPoint[i + 1] = focus[i];
+  }
+  table.PlotModulus = ClampPlotModulus(match.Harmonic);
+  const double ratio = std::isfinite(match.Position) ? match.Position * table.PlotModulus / 360.0 : 0.0;
+  table.ScaleStart = GroupMod(ratio, 1.0);
+}
+
+}  // namespace
+
 bool StripsFromMatch(StripTable& table, const GroupSearchState& state, int k) {
   const std::vector<GroupMatchItem> items = MatchItems(state, k);
   if (items.empty()) return false;
@@ -74,14 +92,7 @@ bool StripsFromMatch(StripTable& table, const GroupSearchState& state, int k) {
     const SearchPair pair = MatchItemPair(state, match, item);
     focus.push_back(pair.First == 0 ? 0 : (pair.First == pair.Second ? pair.First : kStripFocusMidpoint));
   }
-  SetStripRecords(table, records);
-  for (size_t i = 0; i < records.size(); ++i) {
-    table.StripSelected[i + 1] = true;
-    table.StripFocusPoint[i + 1] = focus[i];
-  }
-  table.PlotModulus = ClampPlotModulus(match.Harmonic);
-  const double ratio = std::isfinite(match.Position) ? match.Position * table.PlotModulus / 360.0 : 0.0;
-  table.ScaleStart = GroupMod(ratio, 1.0);
+  ShowMatchStrips(table, match, records, focus);
   return true;
 }
 
@@ -285,14 +296,7 @@ bool StripsFromDetailLines(StripTable& table, const GroupSearchState& state, int
   }
   if (records.empty()) return false;
   const GroupMatch& match = state.Matches[k];
-  SetStripRecords(table, records);
-  for (size_t i = 0; i < records.size(); ++i) {
-    table.StripSelected[i + 1] = true;
-    table.StripFocusPoint[i + 1] = focus[i];
-  }
-  table.PlotModulus = ClampPlotModulus(match.Harmonic);
-  const double ratio = std::isfinite(match.Position) ? match.Position * table.PlotModulus / 360.0 : 0.0;
-  table.ScaleStart = GroupMod(ratio, 1.0);
+  ShowMatchStrips(table, match, records, focus);
   return true;
 }
 
