@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "output/research_reports.h"
 #include "research/results.h"
+#include "screens/common/report_preview.h"
 #include "screens/common/tool_window.h"
 #include "screens/research/extract_screen.h"
 #include "screens/research/point_edit.h"
@@ -84,6 +86,15 @@ void ScreenshotTourTabulation(Workbench& wb, QWidget* parent, const ShootFunctio
       shoot(&window, QString::fromLatin1(view.name));
     }
     const TabulationRun& shown = window.Run();
+    {
+      // The polar graph as it will print.
+      PrintGraph preview(wb, &window, QStringLiteral("Print Polar Graph"),
+                         [&s, &shown](ReportDocument& doc, const ReportOptions& options) {
+                           ResearchResultsReport(doc, s, shown, kPolarGraph, 1, 0, options);
+                         });
+      SettleTourWindow(&preview);
+      shoot(&preview, "research-print-preview");
+    }
     const FilterBlock block{true, 1, std::min(3, shown.CellCount), 1, 1};
     Extract extract(wb, shown, block, &window);
     SettleTourWindow(&extract);

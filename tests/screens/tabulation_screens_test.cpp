@@ -228,7 +228,7 @@ class TabulationScreensTest : public QObject {
       shots << name;
     });
     QCOMPARE(shots, QStringList({"research-points", "research-tabulate", "research-table", "research-bar",
-                                 "research-polar", "research-extract"}));
+                                 "research-polar", "research-print-preview", "research-extract"}));
     QVERIFY(wb.research.Selected.empty());
     QCOMPARE(wb.tabulate.Code, 5);
   }
