@@ -548,10 +548,13 @@ void MainMenu::Refresh() {
   const int count = p.Open ? p.Header.RecordCount : 0;
   int enabled = 0;
   for (int i = 1; i <= parts.model->rowCount({}); ++i) enabled += p.Events[size_t(i)].Enabled ? 1 : 0;
-  statusBar()->showMessage(p.Open ? tr("%1 records, %2 enabled, %3 categories; data changed: %4")
+  const int categories = p.Header.CategoryCount;
+  statusBar()->showMessage(p.Open ? tr("%1 %2, %3 enabled, %4 %5; data changed: %6")
                                         .arg(count)
+                                        .arg(count == 1 ? tr("record") : tr("records"))
                                         .arg(enabled)
-                                        .arg(p.Header.CategoryCount)
+                                        .arg(categories)
+                                        .arg(categories == 1 ? tr("category") : tr("categories"))
                                         .arg(YesNo(p.Status.DataChanged || p.Status.NatChanged))
                                   : QString());
 }
