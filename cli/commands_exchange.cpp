@@ -40,7 +40,16 @@ int ImportEvents(Context& ctx, const Paths& p) {
     return kExitFailed;
   }
   EventPlaceFinder finder(s);
-  EventsListResult r = ParseEventsList(s, text, finder.Lookup());
+  EventsListResult r;
+  {  // the bar ends before the summary is printed
+    TerminalProgress progress(ctx);
+    progress.Caption("Importing from " + PathFileName(p.source));
+    r = ParseEventsList(s, text, finder.Lookup(), &progress);
+  }
+  if (r.Cancelled) {
+    if (ctx.json) ctx.PrintJson({{"failed", true}});
+    return kExitFailed;
+  }
   std::string error;
   bool ok = r.Error == 0;
   if (!ok) s.ShowMessage(r.ErrorText, kIconExclamation, "Import Simple Events List");
@@ -61,8 +70,13 @@ int ImportCharts(Context& ctx, const Paths& p) {
   Session& s = ctx.session;
   AafReadResult read;
   std::string error;
-  const bool ok = ImportAaf(s, p.source, p.destination, read, error);
-  if (!ok) s.ShowMessage(error, kIconExclamation, "Import Data");
+  bool ok = false;
+  {  // the bar ends before the summary is printed
+    TerminalProgress progress(ctx);
+    progress.Caption("Importing from " + PathFileName(p.source));
+    ok = ImportAaf(s, p.source, p.destination, read, error, &progress);
+  }
+  if (!ok && !read.Cancelled) s.ShowMessage(error, kIconExclamation, "Import Data");
   if (ctx.json) {
     nlohmann::json skipped = nlohmann::json::array();
     for (const std::string& line : read.Skipped) skipped.push_back(J(line));
@@ -91,8 +105,13 @@ int ImportRows(Context& ctx, const Paths& p) {
   }
   CsvImportResult read;
   std::string error;
-  const bool ok = ImportCsv(s, p.source, p.destination, *format, read, error);
-  if (!ok) s.ShowMessage(error, kIconExclamation, "Import Data");
+  bool ok = false;
+  {  // the bar ends before the summary is printed
+    TerminalProgress progress(ctx);
+    progress.Caption("Importing from " + PathFileName(p.source));
+    ok = ImportCsv(s, p.source, p.destination, *format, read, error, &progress);
+  }
+  if (!ok && !read.Cancelled) s.ShowMessage(error, kIconExclamation, "Import Data");
   const size_t imported = read.Records.empty() ? 0 : read.Records.size() - 1;
   if (ctx.json) {
     nlohmann::json skipped = nlohmann::json::array();

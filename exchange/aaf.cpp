@@ -321,22 +321,32 @@ void SplitPlace(const std::string& placename, std::string& place, std::string& c
 
 }  // namespace
 
-AafReadResult ReadAaf(Session& session, const std::string& text) {
+AafReadResult ReadAaf(Session& session, const std::string& text, Progress* progress) {
   AafReadResult result;
   try {
     Reader reader(session, result);
+    const std::vector<std::string> lines = SplitLines(text);
+    ImportSteps steps(progress, lines.size());
     int lineNo = 0;
-    for (const std::string& line : SplitLines(text)) {
+    for (const std::string& line : lines) {
       ++lineNo;
+      if (steps.Line(static_cast<size_t>(lineNo))) {
+        result.Cancelled = true;
+        break;
+      }
       if (line.empty() || line[0] != '#') continue;
       const size_t colon = line.find(':');
       if (colon == std::string::npos) continue;
       reader.Chunk(Trim(exchange_text::AsciiUpper(line.substr(1, colon - 1))), line.substr(colon + 1), lineNo);
     }
-    reader.Flush();
+    if (!result.Cancelled) {
+      reader.Flush();
+      result.Cancelled = steps.Finish();
+    }
   } catch (...) {
     result.Skipped.push_back("The file could not be read to its end.");
   }
+  if (result.Cancelled) result = AafReadResult{{}, {}, true};
   return result;
 }
 
@@ -425,14 +435,18 @@ std::string WriteAaf(Session& session, const ProjectHeader& h, const std::vector
 }
 
 bool ImportAaf(Session& session, const std::string& aafPath, const std::string& datPath, AafReadResult& read,
-               std::string& error) {
+               std::string& error, Progress* progress) {
   std::string text;
   const int e = ReadFileBytes(aafPath, text, kMaxProjectFileBytes);
   if (e != 0) {
     error = FileErrorText(e) + kLineEnd + aafPath;
     return false;
   }
-  read = ReadAaf(session, text);
+  read = ReadAaf(session, text, progress);
+  if (read.Cancelled) {
+    error.clear();
+    return false;
+  }
   std::vector<EventRecord> records(1);
   for (const AafChart& c : read.Charts) records.push_back(AafChartToRecord(c));
   return WriteImportedProject(session, datPath, PathFileName(aafPath), records, error);

@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "core/progress.h"
 #include "core/records.h"
 #include "core/session.h"
 
@@ -41,11 +42,13 @@ struct AafChart {
 struct AafReadResult {
   std::vector<AafChart> Charts;
   std::vector<std::string> Skipped;  // "Line 12: ..." for each record left out
+  bool Cancelled = false;            // stopped by the user: no charts
 };
 
 // Reads every record of an AAF text. Never fails: records that cannot be
-// used are listed in Skipped with their line and the reason.
-AafReadResult ReadAaf(Session& session, const std::string& text);
+// used are listed in Skipped with their line and the reason. Reports its
+// lines to `progress` and stops, with Cancelled set, when asked to.
+AafReadResult ReadAaf(Session& session, const std::string& text, Progress* progress = nullptr);
 
 // A chart as a project record: the names as the description, the date and
 // time, zone, place and coordinates, with the detail level that what is
@@ -61,9 +64,10 @@ std::string WriteAaf(Session& session, const ProjectHeader& header, const std::v
 // The imports and the export of the command line and the import screen.
 // ImportAaf writes a new project at `datPath` (and its .nat) from the charts
 // of an AAF file; it refuses a destination that exists. False, with the
-// reason in `error`, when nothing was written.
+// reason in `error`, when nothing was written; a cancel through `progress`
+// writes nothing either and leaves `error` empty with read.Cancelled set.
 bool ImportAaf(Session& session, const std::string& aafPath, const std::string& datPath, AafReadResult& read,
-               std::string& error);
+               std::string& error, Progress* progress = nullptr);
 bool ExportAaf(Session& session, const std::string& aafPath, std::string& error);
 
 // The export as the File menu and the command line run it: ExportAaf with

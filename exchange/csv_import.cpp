@@ -179,12 +179,17 @@ bool EditASCII(const Session& session, const std::vector<CsvFormat>& formats, st
                              FormatCsvFormats(formats), error);
 }
 
-CsvImportResult ReadCsv(Session& s, const std::string& text, const CsvFormat& format) {
+CsvImportResult ReadCsv(Session& s, const std::string& text, const CsvFormat& format, Progress* progress) {
   CsvImportResult r;
   r.Records.assign(1, EventRecord{});
   const std::vector<std::string> lines = SplitLines(text);
+  ImportSteps steps(progress, lines.size());
   for (size_t i = static_cast<size_t>(format.SkipLines); i < lines.size(); ++i) {
     const int lineNo = static_cast<int>(i) + 1;
+    if (steps.Line(i + 1)) {
+      r.Cancelled = true;
+      break;
+    }
     if (Trim(lines[i]).empty()) continue;
     const std::vector<std::string> f = SplitRow(lines[i], format.Delimiter, format.Quote);
     auto skip = [&](const std::string& why) { r.Skipped.push_back("Line " + std::to_string(lineNo) + ": " + why); };
@@ -251,18 +256,27 @@ CsvImportResult ReadCsv(Session& s, const std::string& text, const CsvFormat& fo
     e.JulianDay = RecordJulianDay(e);
     r.Records.push_back(e);
   }
+  if (!r.Cancelled) r.Cancelled = steps.Finish();
+  if (r.Cancelled) {
+    r.Records.assign(1, EventRecord{});
+    r.Skipped.clear();
+  }
   return r;
 }
 
 bool ImportCsv(Session& session, const std::string& csvPath, const std::string& datPath, const CsvFormat& format,
-               CsvImportResult& result, std::string& error) {
+               CsvImportResult& result, std::string& error, Progress* progress) {
   std::string text;
   const int e = ReadFileBytes(csvPath, text, kMaxProjectFileBytes);
   if (e != 0) {
     error = FileErrorText(e) + kLineEnd + csvPath;
     return false;
   }
-  result = ReadCsv(session, text, format);
+  result = ReadCsv(session, text, format, progress);
+  if (result.Cancelled) {
+    error.clear();
+    return false;
+  }
   return WriteImportedProject(session, datPath, PathFileName(csvPath), result.Records, error);
 }
 

@@ -24,6 +24,7 @@
 #include <string>
 #include <vector>
 
+#include "core/progress.h"
 #include "core/records.h"
 #include "core/session.h"
 
@@ -60,13 +61,17 @@ bool EditASCII(const Session& session, const std::vector<CsvFormat>& formats, st
 struct CsvImportResult {
   std::vector<EventRecord> Records;   // from 1
   std::vector<std::string> Skipped;   // "Line 7: ..." per row left out
+  bool Cancelled = false;             // stopped by the user: no records
 };
 
-// Reads the rows of a delimited text by a definition.
-CsvImportResult ReadCsv(Session& session, const std::string& text, const CsvFormat& format);
+// Reads the rows of a delimited text by a definition, reporting its lines
+// to `progress`; a cancel stops it with Cancelled set.
+CsvImportResult ReadCsv(Session& session, const std::string& text, const CsvFormat& format,
+                        Progress* progress = nullptr);
 
-// The import into a new project at `datPath`, refused when it exists.
+// The import into a new project at `datPath`, refused when it exists. A
+// cancel writes nothing and returns false with `error` empty.
 bool ImportCsv(Session& session, const std::string& csvPath, const std::string& datPath, const CsvFormat& format,
-               CsvImportResult& result, std::string& error);
+               CsvImportResult& result, std::string& error, Progress* progress = nullptr);
 
 }  // namespace vintar

@@ -10,6 +10,7 @@
 #include "core/parse.h"
 #include "core/project_file.h"
 #include "core/text.h"
+#include "exchange/import.h"
 #include "exchange/text_fields.h"
 
 namespace vintar {
@@ -620,16 +621,27 @@ std::vector<std::string> WhenTokens(const std::string& line) {
   return tokens;
 }
 
-EventsListResult ParseEventsList(Session& session, const std::string& text, const EventPlaceLookup& lookup) {
+EventsListResult ParseEventsList(Session& session, const std::string& text, const EventPlaceLookup& lookup,
+                                 Progress* progress) {
   try {
     Reader reader(session, lookup);
+    const std::vector<std::string> lines = SplitLines(text);
+    ImportSteps steps(progress, lines.size());
+    auto cancelled = [] {
+      EventsListResult r;
+      r.Records.assign(1, EventRecord{});
+      r.Cancelled = true;
+      return r;
+    };
     int lineNo = 0;
-    for (const std::string& line : SplitLines(text)) {
+    for (const std::string& line : lines) {
       ++lineNo;
+      if (steps.Line(static_cast<size_t>(lineNo))) return cancelled();
       if (AsciiUpper(Trim(line)) == "QUIT") break;
       reader.Line(line, lineNo);
     }
     EventsListResult r = reader.Done();
+    if (steps.Finish()) return cancelled();
     if (r.Error) {
       r.Records.assign(1, EventRecord{});
       r.Imported = 0;
@@ -646,7 +658,7 @@ EventsListResult ParseEventsList(Session& session, const std::string& text, cons
 
 EventsListResult ImportSimpleEventsList(Session& session, const std::string& sourcePath,
                                         const std::string& headerPath, const std::string& dataPath,
-                                        const EventPlaceLookup& lookup) {
+                                        const EventPlaceLookup& lookup, Progress* progress) {
   const char* title = "Import Simple Events List";
   EventsListResult r;
   std::string text;
@@ -655,7 +667,8 @@ EventsListResult ImportSimpleEventsList(Session& session, const std::string& sou
     r.Error = kEventsFileError;
     r.ErrorText = "Error opening events file";
   } else {
-    r = ParseEventsList(session, text, lookup);
+    r = ParseEventsList(session, text, lookup, progress);
+    if (r.Cancelled) return r;
   }
   if (!r.Error) {
     std::string bytes, error;

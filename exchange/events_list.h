@@ -19,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "core/progress.h"
 #include "core/records.h"
 #include "core/session.h"
 
@@ -52,20 +53,24 @@ struct EventsListResult {
   std::string Message;  // the skipped events and warnings, CR LF between lines
   int Error = 0;        // 0, or one of the error numbers above: nothing was imported
   std::string ErrorText;
+  bool Cancelled = false;  // stopped by the user: no records, no message
 };
 
 // Reads the text of an events list. `lookup` may be empty: then no place is
 // found. The date order starts as the session's (month first or day first).
-EventsListResult ParseEventsList(Session& session, const std::string& text, const EventPlaceLookup& lookup);
+// Reports its lines to `progress`; a cancel stops it with Cancelled set.
+EventsListResult ParseEventsList(Session& session, const std::string& text, const EventPlaceLookup& lookup,
+                                 Progress* progress = nullptr);
 
 // The import: reads `sourcePath`, writes the records to `dataPath` (the
 // project's .dat, atomically), and shows the closing box under "Import
 // Simple Events List": "Imported N events." and the collected message, or
 // the error's text. When the header file `headerPath` does not exist while
-// the data file does, the data file is removed. Returns the result.
+// the data file does, the data file is removed. A cancel through
+// `progress` writes and shows nothing. Returns the result.
 EventsListResult ImportSimpleEventsList(Session& session, const std::string& sourcePath,
                                         const std::string& headerPath, const std::string& dataPath,
-                                        const EventPlaceLookup& lookup);
+                                        const EventPlaceLookup& lookup, Progress* progress = nullptr);
 
 // The parts of one "when" line, for tests and for the import screen's
 // preview. Tokens as the reader breaks the line (upper case; "ST", "ND",

@@ -17,6 +17,23 @@ ProjectHeader ImportedProjectHeader(const std::string& sourceFileName) {
   return h;
 }
 
+ImportSteps::ImportSteps(Progress* progress, size_t lineCount) : progress_(progress), count_(lineCount) {}
+
+bool ImportSteps::Line(size_t n) {
+  if (!progress_) return false;
+  if (n == 1 || n % 10 == 0 || n == count_) {
+    progress_->Status("Reading line " + std::to_string(n) + " of " + std::to_string(count_));
+    progress_->Fraction(count_ ? static_cast<double>(n - 1) / count_ : 0.0);
+  }
+  return progress_->Cancelled();
+}
+
+bool ImportSteps::Finish() {
+  if (!progress_) return false;
+  progress_->Fraction(1.0);
+  return progress_->Cancelled();
+}
+
 bool WriteImportedProject(Session& session, const std::string& datPath, const std::string& sourceFileName,
                           std::vector<EventRecord>& records, std::string& error) {
   if (FileExists(datPath) || FileExists(NatPathFor(datPath))) {

@@ -85,14 +85,16 @@ std::string ProposedImportName(const std::string& sourceFileName) {
 }
 
 std::string RunImport(Session& session, ImportKind kind, const std::string& sourcePath, const std::string& datPath,
-                      int csvFormat) {
+                      int csvFormat, Progress* progress) {
   const std::string source = PathFileName(sourcePath);
   std::string error;
   bool ok = false;
+  bool cancelled = false;
   switch (kind) {
     case ImportKind::Aaf: {
       AafReadResult read;
-      ok = ImportAaf(session, sourcePath, datPath, read, error);
+      ok = ImportAaf(session, sourcePath, datPath, read, error, progress);
+      cancelled = read.Cancelled;
       break;
     }
     case ImportKind::Csv: {
@@ -102,7 +104,8 @@ std::string RunImport(Session& session, ImportKind kind, const std::string& sour
         break;
       }
       CsvImportResult read;
-      ok = ImportCsv(session, sourcePath, datPath, formats[csvFormat - 1], read, error);
+      ok = ImportCsv(session, sourcePath, datPath, formats[csvFormat - 1], read, error, progress);
+      cancelled = read.Cancelled;
       break;
     }
     case ImportKind::EventsList: {
@@ -113,7 +116,8 @@ std::string RunImport(Session& session, ImportKind kind, const std::string& sour
         return {};
       }
       EventPlaceFinder finder(session);
-      EventsListResult r = ParseEventsList(session, text, finder.Lookup());
+      EventsListResult r = ParseEventsList(session, text, finder.Lookup(), progress);
+      if (r.Cancelled) return {};
       if (r.Error) {
         session.ShowMessage(r.ErrorText, kIconExclamation, "Import Simple Events List");
         return {};
@@ -127,6 +131,7 @@ std::string RunImport(Session& session, ImportKind kind, const std::string& sour
       return datPath;
     }
   }
+  if (cancelled) return {};
   if (!ok) {
     session.ShowMessage(error, kIconExclamation, "Import Data");
     return {};

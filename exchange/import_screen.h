@@ -46,9 +46,10 @@ std::string ProposedImportName(const std::string& sourceFileName);
 // The import itself into folder + name, by kind (the CSV format by its
 // number from 1). Shows its messages under "Import Data" (or "Importing
 // from " + the source's name); returns the new project's path, empty when
-// nothing was made.
+// nothing was made. Reports its reading to `progress`; a cancel there
+// writes nothing, says nothing and returns empty.
 std::string RunImport(Session& session, ImportKind kind, const std::string& sourcePath, const std::string& datPath,
-                      int csvFormat = 1);
+                      int csvFormat = 1, Progress* progress = nullptr);
 
 // After a run: when the new project's .nat exists, the current project's
 // changes are offered for saving and the new project is opened as the File

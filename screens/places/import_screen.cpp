@@ -199,12 +199,12 @@ bool Import::Transfer() {
   quit_->setEnabled(false);
   std::string made;
   {
+    // Cancel stops the reading of the source; the project is written only
+    // once all of it is read, so a cancel leaves nothing behind.
     ProgressWindow progress(this, tr("Import Data"));
-    // The import runs as one step: there is nothing to stop half-way.
-    if (auto* cancel = progress.findChild<QPushButton*>("CancelButton")) cancel->setEnabled(false);
     progress.Caption("Importing from " + PathFileName(source));
     BusyPointer busy;
-    made = RunImport(s, Kind(), source, datPath, format);
+    made = RunImport(s, Kind(), source, datPath, format, &progress);
     progress.hide();
   }
   transfer_->setEnabled(true);
