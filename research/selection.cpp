@@ -305,6 +305,8 @@ SelectionRun RunSelection(Session& session, const SelectionList& list, Progress*
     if (progress && i % 10 == 0) {
       progress->Status("Records Selected: " + std::to_string(run.Passed));
       progress->Fraction(static_cast<double>(i) / count);
+      // A stop leaves the run unfinished: nothing is offered or applied.
+      if (progress->Cancelled()) return run;
     }
   }
   run.Ran = true;

@@ -74,7 +74,7 @@ struct SelectionRun {
   std::vector<int16_t> PassedFlags;  // 1..RecordCount
   int Enabled = 0;
   int Passed = 0;
-  bool Ran = false;  // false with no conditions
+  bool Ran = false;  // false with no conditions or when stopped
 };
 // Flags every enabled record; status "Records Selected: " with the count.
 SelectionRun RunSelection(Session& session, const SelectionList& list, Progress* progress = nullptr);

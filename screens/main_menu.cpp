@@ -189,7 +189,8 @@ MainMenu::MainMenu(Workbench& workbench, QWidget* parent)
   setObjectName("MainMenu");
   wb_.projectChanged = [this] { Refresh(); };
   InstallSaveDialog(wb_, this);
-  SetRectifyEventsEditor(EditData);
+  wb_.editEvents = EditData;
+  wb_.selectRecords = SelectRecordsFromEditor;
   BuildPanels();
   BuildMenus();
   ResetMainWindow(wb_.session);
@@ -351,8 +352,8 @@ void MainMenu::BuildMenus() {
              "mnuResTabulate");
   AddCommand(research, tr("&Criteria Search..."), QKeySequence("F12"), true,
              [&wb, w] { ShowCriteriaSearch(wb, w); }, "mnuResCriteria");
-  AddCommand(research, tr("&Select Records..."), QKeySequence("Ctrl+Shift+C"), true,
-             [&wb, w] { ShowRecordSelection(wb, w); }, "mnuCatSel");
+  AddCommand(research, tr("&Filter Data Records..."), QKeySequence("Ctrl+Shift+C"), true,
+             [&wb, w] { ShowRecordSelection(wb, w); }, "ResearchFilter");
   research->addSeparator();
   AddCommand(research, tr("C&ontrol Data..."), QKeySequence("Ctrl+Shift+D"), false,
              [&wb, w] { ShowControlData(wb, w); }, "mnuRandParam");

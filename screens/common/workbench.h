@@ -19,6 +19,8 @@
 #include "research/selection.h"
 #include "research/tabulate.h"
 
+class QWidget;
+
 namespace vintar {
 
 struct Workbench {
@@ -44,6 +46,12 @@ struct Workbench {
   // Called after anything that changes the open project, its title or its
   // records, so that the main window redraws its summary and menus.
   std::function<void()> projectChanged = [] {};
+  // Screens of one menu that a screen of a lower one opens, set by the main
+  // window: the record editor (the rectification screens' Events buttons)
+  // and the record selection of the editor's Select button, which returns
+  // true when it switched records off.
+  std::function<void(Workbench&, QWidget*)> editEvents;
+  std::function<bool(Workbench&, QWidget*)> selectRecords;
   void Changed() const { projectChanged(); }
 };
 

@@ -89,6 +89,8 @@ DataEntry::DataEntry(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb) 
   disable_ = Button("DisableButton", tr("Disa&ble"), this);
   enableAll_ = Button("EnAllButton", tr("Enable All"), this);
   disableAll_ = Button("DisAllButton", tr("Disable All"), this);
+  select_ = Button("btnSel", tr("&Select..."), this);
+  select_->setToolTip(tr("Switch off the records that fail a list of conditions on their fields and categories"));
   recordButtons->addWidget(add_, 0, 0);
   recordButtons->addWidget(delete_, 0, 1);
   recordButtons->addWidget(sort_, 0, 2);
@@ -96,6 +98,7 @@ DataEntry::DataEntry(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb) 
   recordButtons->addWidget(disable_, 1, 1);
   recordButtons->addWidget(enableAll_, 2, 0);
   recordButtons->addWidget(disableAll_, 2, 1);
+  recordButtons->addWidget(select_, 2, 2);
   left->addLayout(recordButtons);
   columns->addLayout(left, 3);
 
@@ -209,6 +212,7 @@ DataEntry::DataEntry(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb) 
   connect(enableAll_, &QPushButton::clicked, this, [this] { EnableAllClicked(true); });
   connect(disableAll_, &QPushButton::clicked, this, [this] { EnableAllClicked(false); });
   connect(sort_, &QPushButton::clicked, this, &DataEntry::SortClicked);
+  connect(select_, &QPushButton::clicked, this, &DataEntry::SelectClicked);
   connect(list_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
     if (!loading_ && item) LoadRecord(list_->indexOfTopLevelItem(item) + 1);
   });
@@ -376,6 +380,7 @@ void DataEntry::UpdateButtons() {
   disable_->setEnabled(opened_ && any);
   const bool records = opened_ && wb_.session.project.Header.RecordCount > 0;
   enableAll_->setEnabled(records);
+  select_->setEnabled(records && wb_.selectRecords != nullptr);
   disableAll_->setEnabled(records);
   sort_->setEnabled(records);
   add_->setEnabled(opened_);
@@ -573,6 +578,13 @@ void DataEntry::EnableClicked(bool enabled) {
 void DataEntry::EnableAllClicked(bool enabled) {
   SetAllRecordsEnabled(wb_.session.project, enabled);
   for (int32_t i = 1; i <= list_->topLevelItemCount(); ++i) RefreshLine(i);
+}
+
+void DataEntry::SelectClicked() {
+  LeaveFocusedField();
+  if (!wb_.selectRecords || !wb_.selectRecords(wb_, this)) return;
+  for (int32_t i = 1; i <= list_->topLevelItemCount(); ++i) RefreshLine(i);
+  UpdateButtons();
 }
 
 void DataEntry::SortClicked() {

@@ -79,6 +79,7 @@ class DataEntry : public QDialog {
   void EnableClicked(bool enabled);
   void EnableAllClicked(bool enabled);
   void SortClicked();
+  void SelectClicked();
   void UpdateButtons();
 
   Workbench& wb_;
@@ -112,6 +113,7 @@ class DataEntry : public QDialog {
   QPushButton* enableAll_ = nullptr;
   QPushButton* disableAll_ = nullptr;
   QPushButton* sort_ = nullptr;
+  QPushButton* select_ = nullptr;  // btnSel
   EntryKeys* keys_ = nullptr;
   // The text each field showed when it was filled or last accepted, so that
   // leaving an untouched field checks nothing.

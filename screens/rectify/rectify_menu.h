@@ -18,10 +18,6 @@ void ShowAngleSearch(Workbench& wb, QWidget* parent);
 void ShowTransitSearch(Workbench& wb, QWidget* parent);   // RectTransits
 void ShowAutoRectify(Workbench& wb, QWidget* parent);     // RectAuto: RectStat
 
-// The event editor that the screens' Events buttons open (the data entry
-// screen of the File menu's commands); set once by the main window.
-void SetRectifyEventsEditor(std::function<void(Workbench&, QWidget*)> editor);
-
 // Opens each rectification screen filled with the open project's data,
 // hands it to `shoot` under a short name and closes it. Never blocks.
 void ScreenshotTourRectify(Workbench& wb, QWidget* parent,

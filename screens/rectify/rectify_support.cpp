@@ -40,17 +40,8 @@ QString LongitudeRange(const Session& session, const AngleResult::Range& range) 
   return Q(ZodiacPosition(session, range[kLow], false) + " to " + ZodiacPosition(session, range[kHigh], false));
 }
 
-namespace {
-std::function<void(Workbench&, QWidget*)>& EventsEditor() {
-  static std::function<void(Workbench&, QWidget*)> editor;
-  return editor;
-}
-}  // namespace
-
-void SetRectifyEventsEditor(std::function<void(Workbench&, QWidget*)> editor) { EventsEditor() = std::move(editor); }
-
 void OpenEventsEditor(Workbench& wb, QWidget* parent) {
-  if (EventsEditor()) EventsEditor()(wb, parent);
+  if (wb.editEvents) wb.editEvents(wb, parent);
 }
 
 }  // namespace vintar

@@ -37,7 +37,7 @@ QString HoursText(const Session& session, double hours);
 QString LongitudeRange(const Session& session, const AngleResult::Range& range);
 
 // Opens the event list for editing (the editor that the main window set
-// with SetRectifyEventsEditor).
+// in the workbench).
 void OpenEventsEditor(Workbench& wb, QWidget* parent);
 
 }  // namespace vintar

@@ -31,7 +31,7 @@ QPushButton* Button(QWidget* parent, const QString& text, const char* name) {
 
 }  // namespace
 
-CatSel::CatSel(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb) {
+CatSel::CatSel(Workbench& wb, QWidget* parent, Road road) : QDialog(parent), wb_(wb), road_(road) {
   setObjectName("CatSel");
   setWindowTitle(tr("Data Record Selection"));
   const Session& s = wb_.session;
@@ -216,6 +216,18 @@ void CatSel::accept() {
     return;
   }
   wb_.session.DialogCancelled = kFalse;
+  if (road_ == Road::Editor) {
+    ProgressWindow progress(this, tr("Selecting Records"), tr("&Stop"));
+    progress.show();
+    {
+      BusyPointer busy;
+      run_ = SelectRecords(wb_.session, wb_.selection, applied_, {}, &progress);
+    }
+    progress.hide();
+    if (!run_.Ran) return;
+    QDialog::accept();
+    return;
+  }
   if (!Run()) return;
   std::vector<std::string> lines;
   for (int i = 1; i <= wb_.selection.Count(); ++i) lines.push_back(SelCriterionText(wb_.session, wb_.selection, i));

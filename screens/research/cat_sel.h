@@ -3,7 +3,8 @@
 // detail level, zone, time, place, latitude, longitude and the project's
 // own categories -- joined by And, Or and Xor with Not and brackets. OK
 // flags every enabled record with a progress window and shows the result
-// on the results screen, which can switch the failures off.
+// on the results screen (or, from the record editor, asks), either of
+// which can switch the failures off.
 #pragma once
 
 #include <QDialog>
@@ -20,7 +21,12 @@ namespace vintar {
 class CatSel : public QDialog {
   Q_OBJECT
  public:
-  CatSel(Workbench& wb, QWidget* parent);
+  // Opened from the Research menu, OK shows the results screen; from the
+  // record editor, the "Selection Finished" question.
+  enum class Road { Menu, Editor };
+  CatSel(Workbench& wb, QWidget* parent, Road road = Road::Menu);
+  // Editor road: whether the last OK switched records off.
+  bool Applied() const { return applied_; }
 
   void SelectConditions(const std::vector<int>& rows);  // from 1
   std::vector<int> SelectedConditions() const;
@@ -43,6 +49,8 @@ class CatSel : public QDialog {
  private:
   void Refresh();
   Workbench& wb_;
+  Road road_;
+  bool applied_ = false;
   SelectionRun run_;
   QComboBox* field_;
   QComboBox* condition_;

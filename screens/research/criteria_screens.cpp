@@ -20,6 +20,17 @@ void ShowRecordSelection(Workbench& wb, QWidget* parent) {
   ShowToolWindow(new CatSel(wb, parent), &wb.session);
 }
 
+bool SelectRecordsFromEditor(Workbench& wb, QWidget* parent) {
+  if (!wb.session.project.Open) return false;
+  CatSel screen(wb, parent, CatSel::Road::Editor);
+  if (screen.exec() != QDialog::Accepted) {
+    wb.session.DialogCancelled = kFalse;
+    return false;
+  }
+  if (screen.Applied()) wb.Changed();
+  return screen.Applied();
+}
+
 void ShowControlData(Workbench& wb, QWidget* parent) {
   ShowToolWindow(new RandParam(wb, parent), &wb.session);
 }

@@ -17,7 +17,10 @@ namespace vintar {
 void ShowPointList(Workbench& wb, QWidget* parent);       // the point list editor (.vpt)
 void ShowTabulate(Workbench& wb, QWidget* parent);        // ResTabulate, then the results window
 void ShowCriteriaSearch(Workbench& wb, QWidget* parent);  // ResCriteria, then ResOut
-void ShowRecordSelection(Workbench& wb, QWidget* parent); // CatSel
+void ShowRecordSelection(Workbench& wb, QWidget* parent); // CatSel, then ResOut
+// The record editor's Select button: CatSel modally, then the "Selection
+// Finished" question. True when records were switched off.
+bool SelectRecordsFromEditor(Workbench& wb, QWidget* parent);
 void ShowControlData(Workbench& wb, QWidget* parent);     // RandParam
 
 using ShootFunction = std::function<void(QWidget*, const QString&)>;

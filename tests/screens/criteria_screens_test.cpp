@@ -234,6 +234,19 @@ class CriteriaScreensTest : public QObject {
     }
     QCOMPARE(run.Passed, expected);
     QVERIFY(expected > 0 && expected < run.Enabled);
+
+    // From the record editor the same list ends in "Selection Finished":
+    // Cancel changes nothing, OK switches the failures off.
+    for (int answer : {kCancel, kOk}) {
+      fx.sink.answer = answer;
+      CatSel editor(wb, nullptr, CatSel::Road::Editor);
+      Click(&editor, "OKButton");
+      QCOMPARE(fx.LastTitle(), QString("Selection Finished"));
+      QCOMPARE(editor.Applied(), answer == kOk);
+      int enabled = 0;
+      for (int i = 1; i <= fx.session.project.Header.RecordCount; ++i) enabled += fx.session.project.Events[i].Enabled != 0;
+      QCOMPARE(enabled, answer == kOk ? expected : run.Enabled);
+    }
   }
 
   // Bad inputs of the control data generator: the message, the screen stays.

@@ -433,11 +433,22 @@ class ProjectScreensTest : public QObject {
   void entryScreensAreDrawn() {
     testing::DesktopFixture fx;
     QVERIFY(OpenSample(fx));
+    // The Select button hands over to the record selection and redraws the
+    // lines of the records it switched off.
+    fx.wb->selectRecords = [](Workbench& wb, QWidget*) {
+      wb.session.project.Events[1].Enabled = kFalse;
+      return true;
+    };
     DataEntry entry(*fx.wb, nullptr);
     entry.SelectRecord(3);
     entry.show();
+    auto* line = entry.findChild<QTreeWidget*>()->topLevelItem(0);
+    const QString before = line->text(0) + line->text(1) + line->text(2);
+    Click(&entry, "btnSel");
+    QVERIFY(line->text(0) + line->text(1) + line->text(2) != before);
     QVERIFY(testing::GrabNotBlank(&entry, "data_entry"));
-    entry.reject();
+    entry.reject();  // asks whether to keep the change
+    fx.sink.Clear();
     NatalEntry natal(*fx.wb, nullptr);
     natal.show();
     QVERIFY(testing::GrabNotBlank(&natal, "natal_entry"));
