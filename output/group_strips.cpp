@@ -343,4 +343,11 @@ bool SaveStripsPicture(const std::string& path, const Session& session, const St
       error);
 }
 
+int StripRowAt(const QRectF& area, const StripTable& table, const QPointF& point, bool withTitle) {
+  const Layout l = MakeLayout(area, table, withTitle);
+  if (point.x() < area.left() || point.x() >= area.right() || point.y() < l.top) return 0;
+  const int s = static_cast<int>(std::floor((point.y() - l.top) / l.rowHeight)) + 1;
+  return s <= l.rows ? s : 0;
+}
+
 }  // namespace vintar

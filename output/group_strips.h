@@ -52,4 +52,8 @@ QSizeF StripsPictureSize(const StripTable& table);
 bool SaveStripsPicture(const std::string& path, const Session& session, const StripTable& table,
                        const QString& title = {}, std::string* error = nullptr, QSizeF size = {});
 
+// The strip whose row holds `point` (the inverse of StripRowRect): 1 to the
+// rows shown, 0 above, below or beside them.
+int StripRowAt(const QRectF& area, const StripTable& table, const QPointF& point, bool withTitle = false);
+
 }  // namespace vintar

@@ -429,4 +429,45 @@ std::vector<std::string> HitKeywordLines(const Session& session, const KeywordTa
   return lines;
 }
 
+// ---------------------------------------------------------------------------
+// A record's chart
+
+bool RecordAdjustState(Session& session, int record, ChartAdjustState& state, RadixLabel* label) {
+  const ProjectState& project = session.project;
+  const int count = std::min<int>(project.Header.RecordCount, static_cast<int>(project.Events.size()) - 1);
+  if (record < 1 || record > count) return false;
+  const EventRecord& e = project.Events[record];
+  if (e.Month < 1 || e.Month > 12 || e.Day < 1 || e.Day > 31) return false;
+  const std::string name = Trim(e.Description);
+  if (!FieldsForDetail(e.DetailLevel).place) {
+    session.ShowMessage("There is no place of birth for " + (name.empty() ? "record " + std::to_string(record) : name) +
+                            ", so its chart cannot be drawn.",
+                        kIconInformation, "Chart Strips");
+    return false;
+  }
+  ChartAdjustState s;
+  s.Day = e.Day;
+  s.Month = e.Month;
+  s.Year = e.Year;
+  s.Zone = e.ZoneHours;
+  s.Longitude = e.Longitude;
+  s.Latitude = e.Latitude;
+  s.Slot = kChartRadixSlot;
+  // A record's detail levels nest: one with a place has its clock time too.
+  s.Hour = e.Hour;
+  s.Minute = e.Minute;
+  s.Second = e.Second;
+  state = s;
+  if (label) *label = RadixLabel{name, Trim(e.Placename)};
+  return true;
+}
+
+void CastRadix(Session& session, const ChartAdjustState& state, const RadixLabel& label) {
+  CastRadix(session, state);
+  if (state.Slot < 1 || state.Slot > kSlots) return;
+  ChartSlot& slot = session.charts.Slots[state.Slot];
+  slot.ChartName = label.Name;
+  slot.ChartPlace = label.Place;
+}
+
 }  // namespace vintar

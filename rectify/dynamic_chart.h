@@ -14,7 +14,7 @@
 //
 // Checked by tests/rectify/dynamic_chart_test.cpp: the Naibod angles against
 // a hand computation, aspect hits at the edge of the orb, the options and
-// keyword files round trip.
+// keyword files round trip, a record's chart and the records that have none.
 #pragma once
 
 #include <array>
@@ -187,5 +187,25 @@ std::vector<int> KeywordItemsOfHit(const Session& session, int radixPoint, doubl
 // keywords are left out.
 std::vector<std::string> HitKeywordLines(const Session& session, const KeywordTable& table,
                                          const ChartAspect& aspect);
+
+// ---------------------------------------------------------------------------
+// A record's chart
+
+// The name and place a radix slot carries when the chart is not the
+// project's birth chart.
+struct RadixLabel {
+  std::string Name;
+  std::string Place;
+};
+
+// Record `record` of the open project as a chart to look at: its date, clock
+// time and zone, longitude and latitude, named by its description. False
+// when the record does not exist or holds no date; a record without a place
+// (a detail level below time and place; the levels nest, so one with a place
+// has its clock time too) is told in a message and gives false. `label`,
+// when given, takes the record's description and place name.
+bool RecordAdjustState(Session& session, int record, ChartAdjustState& state, RadixLabel* label = nullptr);
+// CastRadix under the label's name and place instead of the project's.
+void CastRadix(Session& session, const ChartAdjustState& state, const RadixLabel& label);
 
 }  // namespace vintar

@@ -12,17 +12,31 @@
 
 namespace vintar {
 
-void ShowDynamicChart(Workbench& wb, QWidget* parent, double localHours) {
-  Session& s = wb.session;
-  if (!s.project.Open || ProjectTooLarge(s)) return;
-  ChartAdjustState radix;
-  if (!RadixAdjustState(s, localHours, radix)) return;
-  auto* view = new ChartView(wb, parent, radix);
+namespace {
+void ShowChartView(ChartView* view) {
   view->setWindowFlag(Qt::Window);
   view->setAttribute(Qt::WA_DeleteOnClose);
   view->show();
   view->raise();
   view->activateWindow();
+}
+}  // namespace
+
+void ShowDynamicChart(Workbench& wb, QWidget* parent, double localHours) {
+  Session& s = wb.session;
+  if (!s.project.Open || ProjectTooLarge(s)) return;
+  ChartAdjustState radix;
+  if (!RadixAdjustState(s, localHours, radix)) return;
+  ShowChartView(new ChartView(wb, parent, radix));
+}
+
+void ShowRecordChart(Workbench& wb, QWidget* parent, int record) {
+  Session& s = wb.session;
+  if (!s.project.Open || ProjectTooLarge(s)) return;
+  ChartAdjustState radix;
+  RadixLabel label;
+  if (!RecordAdjustState(s, record, radix, &label)) return;
+  ShowChartView(new ChartView(wb, parent, radix, label));
 }
 
 void ScreenshotTourChart(Workbench& wb, QWidget* parent,

@@ -15,6 +15,10 @@ namespace vintar {
 // localHours at or above 0 the radix is cast at that local time of the birth
 // date (a candidate time from rectification); negative: the natal time.
 void ShowDynamicChart(Workbench& wb, QWidget* parent, double localHours = -1);
+// Opens the dynamic chart (non-modal) on the chart of record `record` of the
+// open project, named by the record's description. A record that has no
+// chart (none by that number, no date, no place) opens nothing.
+void ShowRecordChart(Workbench& wb, QWidget* parent, int record);
 
 // Opens each screen of the dynamic chart filled with the open project's data,
 // hands it to `shoot` under a short name and closes it. Never blocks.

@@ -96,16 +96,16 @@ WheelData ChartWheelData(const Session& s, const DynamicChartState& state, const
   return d;
 }
 
-ChartView::ChartView(Workbench& wb, QWidget* parent, const ChartAdjustState& radix)
-    : QWidget(parent), wb_(wb), radix_(radix) {
+ChartView::ChartView(Workbench& wb, QWidget* parent, const ChartAdjustState& radix, std::optional<RadixLabel> label)
+    : QWidget(parent), wb_(wb), radix_(radix), label_(std::move(label)) {
   setObjectName("ChartView");
   Session& s = wb_.session;
-  setWindowTitle(tr("Dynamic Chart - %1").arg(Q(s.project.Header.Name)));
+  setWindowTitle(tr("Dynamic Chart - %1").arg(Q(label_ ? label_->Name : s.project.Header.Name)));
   keywords_ = LoadKeywords(s);
   state_.Options = LoadChartOptions(s);
   state_.Method = s.prefs.Progressions;
   state_.Harmonic = DefaultChartHarmonic(state_.Options.Records[kTransits]);
-  CastRadix(s, radix_);
+  CastOwnRadix();
 
   auto* outer = new QHBoxLayout(this);
 
@@ -199,6 +199,10 @@ ChartView::ChartView(Workbench& wb, QWidget* parent, const ChartAdjustState& rad
   keywords->setObjectName("btnKeywords");
   auto* close = new QPushButton(tr("&Close"), this);
   close->setObjectName("CloseButton");
+  if (label_) {
+    adjust->setEnabled(false);
+    adjust->setToolTip(tr("Only the project's birth chart is adjusted here."));
+  }
   for (QPushButton* b : {adjust, options, keywords, close}) {
     b->setAutoDefault(false);
     buttons->addWidget(b);
@@ -237,14 +241,16 @@ ChartView::ChartView(Workbench& wb, QWidget* parent, const ChartAdjustState& rad
   timer_.setInterval(kPlayMilliseconds);
 
   wheel_->SetPaint([this](QPainter& painter, const QRectF& area) {
-    PaintChartWheel(painter, area, ChartWheelData(wb_.session, state_, aspects_));
+    PaintChartWheel(painter, area, wheelData_);
   });
 
   FillEvents();
-  // Open at the first enabled event, else today.
+  // Open at the first enabled event, else today. A record's chart opens at
+  // the first one after the day of its birth (its own event is skipped).
   double start = JulDay(s.clock.Day, s.clock.Month, s.clock.Year) + 0.5;
+  const double after = label_ ? s.charts.Slots[kChartRadixSlot].ChartJD + 1.0 : -1e300;
   for (int n = 1; n <= RecordCount(s); ++n)
-    if (s.project.Events[n].Enabled) {
+    if (s.project.Events[n].Enabled && s.project.Events[n].JulianDay > after) {
       start = s.project.Events[n].JulianDay;
       break;
     }
@@ -252,10 +258,18 @@ ChartView::ChartView(Workbench& wb, QWidget* parent, const ChartAdjustState& rad
   resize(1060, 720);
 }
 
+void ChartView::CastOwnRadix() {
+  if (label_) CastRadix(wb_.session, radix_, *label_);
+  else CastRadix(wb_.session, radix_);
+}
+
 void ChartView::Recompute() {
   Session& s = wb_.session;
+  // Several charts may be open at once, all sharing the radix slot.
+  CastOwnRadix();
   DynamicChart(s, state_, state_.JD);
   aspects_ = ChartAspects(s, state_);
+  wheelData_ = ChartWheelData(s, state_, aspects_);
   rejectedDate_.clear();
   date_->setText(Q(ChartDateText(s, state_.JD)));
   age_->setText(Q(ChartAgeText(state_.JD, s.charts.Slots[kChartRadixSlot].ChartJD)));
@@ -358,10 +372,11 @@ void ChartView::Play(int direction) {
 void ChartView::Stop() { timer_.stop(); }
 
 void ChartView::OpenAdjust() {
+  if (label_) return;
   Stop();
   ChartAdjust dialog(wb_, this, radix_);
   if (dialog.exec() == QDialog::Accepted) radix_ = dialog.State();
-  CastRadix(wb_.session, radix_);
+  CastOwnRadix();
   Recompute();
 }
 

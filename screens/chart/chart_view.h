@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <optional>
 #include <vector>
 
 #include "output/chart_wheel.h"
@@ -35,9 +36,14 @@ class ChartView : public QWidget {
  public:
   // `radix` has been read from the project (RadixAdjustState); the view
   // casts it and opens at the first enabled event (today without events).
-  ChartView(Workbench& wb, QWidget* parent, const ChartAdjustState& radix);
+  // With a `label` the radix is another chart than the project's birth
+  // chart (a record's, RecordAdjustState): the window and the wheel take its
+  // name, and its time is not adjusted (that would store it as the birth time).
+  ChartView(Workbench& wb, QWidget* parent, const ChartAdjustState& radix,
+            std::optional<RadixLabel> label = std::nullopt);
 
   const DynamicChartState& State() const { return state_; }
+  const ChartAdjustState& Radix() const { return radix_; }
   const std::vector<ChartAspect>& Aspects() const { return aspects_; }
   bool Playing() const { return timer_.isActive(); }
 
@@ -58,6 +64,7 @@ class ChartView : public QWidget {
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void CastOwnRadix();
   void Recompute();
   void ShowAspects();
   void ShowKeywords();
@@ -69,8 +76,10 @@ class ChartView : public QWidget {
 
   Workbench& wb_;
   ChartAdjustState radix_;
+  std::optional<RadixLabel> label_;
   DynamicChartState state_;
   std::vector<ChartAspect> aspects_;
+  WheelData wheelData_;  // kept: the chart slots are shared with other open charts
   KeywordTable keywords_;
   QTimer timer_;
   int playDirection_ = 1;

@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
@@ -19,6 +20,7 @@
 #include "core/text.h"
 #include "output/group_reports.h"
 #include "output/group_strips.h"
+#include "screens/chart/chart_menu.h"
 #include "screens/common/drawing_view.h"
 #include "screens/common/progress_window.h"
 #include "screens/common/qt_text.h"
@@ -118,6 +120,8 @@ Groups::Groups(Workbench& wb, QWidget* parent) : QWidget(parent), wb_(wb) {
   view_ = new DrawingView(scroll_, &s);
   view_->setObjectName("picStrips");
   view_->SetSaveName(QStringLiteral("strips.png"));
+  view_->setToolTip(tr("Double-click a strip to open its chart."));
+  view_->installEventFilter(this);
   view_->SetPaint([this](QPainter& painter, const QRectF& area) {
     painter.fillRect(area, Qt::white);
     PaintGroupStrips(painter, area, wb_.session, wb_.strips);
@@ -237,6 +241,24 @@ void Groups::ApplyZoom() {
 void Groups::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   ApplyZoom();
+}
+
+bool Groups::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == view_ && event->type() == QEvent::MouseButtonDblClick) {
+    auto* mouse = static_cast<QMouseEvent*>(event);
+    if (mouse->button() == Qt::LeftButton) {
+      OpenStripChart(mouse->position());
+      return true;
+    }
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+void Groups::OpenStripChart(QPointF point) {
+  const StripTable& table = wb_.strips;
+  const int strip = StripRowAt(QRectF(view_->rect()), table, point);
+  if (strip < 1 || !table.Used(strip)) return;
+  ShowRecordChart(wb_, this, table.StripRecord[strip]);
 }
 
 void Groups::Print() {

@@ -3,7 +3,8 @@
 // a pattern they share stands as a column of glyphs. The user picks the
 // charts, the harmonic (the modulus is 360/H), the points shown, a midpoint
 // partner, a point drawn in colour and a zoom across; prints the strips or
-// saves them as a picture.
+// saves them as a picture. Double-clicking a strip opens the chart wheel of
+// its record.
 #pragma once
 
 #include <QWidget>
@@ -34,6 +35,9 @@ class Groups : public QWidget {
   // and redraws; false when the positions could not be read.
   bool Refresh();
   DrawingView* View() const { return view_; }
+  // The dynamic chart of the record in the strip under `point` (the strips'
+  // coordinates); nothing off the strips or on an empty one.
+  void OpenStripChart(QPointF point);
 
  public slots:
   void Print();
@@ -41,6 +45,7 @@ class Groups : public QWidget {
 
  protected:
   void resizeEvent(class QResizeEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void ChartsChanged();

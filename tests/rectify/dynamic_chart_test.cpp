@@ -1,12 +1,14 @@
 // The dynamic chart: Naibod angles by hand, aspects at the edge of the orb,
-// the options and keyword files, the event list.
+// the options and keyword files, the event list, a record's chart.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 #include "calc/astro.h"
 #include "calc/chart.h"
 #include "core/calendar.h"
+#include "core/record_edit.h"
 #include "rectify/dynamic_chart.h"
 #include "support/test_support.h"
 
@@ -236,6 +238,57 @@ TEST(DynamicChart, EventListAndNearestEvent) {
   p.Header.RecordCount = 0;
   EXPECT_EQ(EventNearestDate(s, middle), 0);
   EXPECT_EQ(ChartAgeText(2451545.0 + 365.25 * 34.2, 2451545.0), "34.2 Years");
+}
+
+// A record's chart: its own date, time, zone and place under its own name;
+// a record that is missing, undated or without a place gives none, and only
+// the placeless one is told.
+TEST(DynamicChart, RecordChartsComeFromTheirRecords) {
+  TestSession t;
+  Session& s = t.session;
+  ProjectState& p = s.project;
+  p.Events.resize(5);
+  p.Header.RecordCount = 4;
+  p.Header.Name = "Project";
+  auto record = [&](int n, const char* name, int day, int detail) {
+    EventRecord& e = p.Events[n];
+    e.Description = name;
+    e.Day = static_cast<uint8_t>(day), e.Month = 3, e.Year = 1879;
+    e.Hour = 11, e.Minute = 30, e.Second = 5;
+    e.ZoneHours = -0.6656f, e.Longitude = -9.983f, e.Latitude = 48.4f;
+    e.Placename = "Ulm";
+    e.DetailLevel = static_cast<uint8_t>(detail);
+  };
+  record(1, "Albert ", 14, kDetailTimePlace);
+  record(2, "Undated", 0, kDetailTimePlace);
+  record(3, "Placeless", 14, kDetailExactTime);
+  record(4, "Timeless", 14, kDetailNoTime);
+
+  ChartAdjustState state;
+  RadixLabel label;
+  ASSERT_TRUE(RecordAdjustState(s, 1, state, &label));
+  EXPECT_EQ(label.Name, "Albert");
+  EXPECT_EQ(label.Place, "Ulm");
+  EXPECT_EQ(std::make_tuple(state.Day, state.Month, state.Year, state.Hour, state.Minute, state.Second),
+            std::make_tuple(14, 3, 1879, 11, 30, 5));
+  EXPECT_NEAR(state.Zone, -0.6656, 1e-6);
+  EXPECT_NEAR(state.Longitude, -9.983, 1e-5);
+  EXPECT_NEAR(state.Latitude, 48.4, 1e-5);
+  CastRadix(s, state, label);
+  EXPECT_EQ(s.charts.Slots[kChartRadixSlot].ChartName, "Albert");
+  EXPECT_TRUE(t.sink.messages.empty());
+
+  const struct {
+    int record;
+    bool told;
+  } refused[] = {{0, false}, {5, false}, {-1, false}, {2, false}, {3, true}, {4, true}};
+  for (const auto& r : refused) {
+    t.sink.Clear();
+    ChartAdjustState untouched = state;
+    EXPECT_FALSE(RecordAdjustState(s, r.record, untouched)) << r.record;
+    EXPECT_EQ(untouched.Day, state.Day) << r.record;
+    EXPECT_EQ(t.sink.messages.size(), r.told ? 1u : 0u) << r.record;
+  }
 }
 
 }  // namespace

@@ -2,7 +2,8 @@
 // search screen lists what the command line lists, a match's charts go to
 // the strips, the automatic report is written and handed to the word
 // processor, the search screen's checks and field rules, the search points
-// kept between sessions, and a picture of every screen.
+// kept between sessions, a strip's chart opened by double-clicking it, and a
+// picture of every screen.
 #include <QApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -17,12 +18,17 @@
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 
 #include "core/project_ops.h"
 #include "qt_support/qt_test_support.h"
 #include "screens/groups/group_search_screen.h"
 #include "screens/groups/groups_menu.h"
 #include "screens/groups/grp_auto.h"
+#include "output/group_strips.h"
+#include "rectify/dynamic_chart.h"
+#include "screens/chart/chart_view.h"
+#include "screens/common/drawing_view.h"
 #include "screens/groups/strips_window.h"
 
 using namespace vintar;
@@ -243,6 +249,54 @@ class GroupScreensTest : public QObject {
     GroupSearch* search = Window<GroupSearch>("GroupSearch");
     QCOMPARE(search->findChild<QListWidget*>("MatchesList")->count(), fx.wb->group.MatchCount);
     QCOMPARE(Text(search, "Harmonic_0"), QString::number(fx.wb->group.LastParams.FromHarmonic));
+  }
+
+  // A double-click on a strip opens the chart of that strip's record; off
+  // the strips nothing opens; a record without a place is told, not drawn.
+  void doubleClickOpensTheStripsChart_data() {
+    QTest::addColumn<int>("strip");
+    QTest::addColumn<bool>("placeless");
+    QTest::addColumn<bool>("opens");
+    QTest::newRow("second strip") << 2 << false << true;
+    QTest::newRow("below the strips") << 4 << false << false;
+    QTest::newRow("placeless record") << 2 << true << false;
+  }
+  void doubleClickOpensTheStripsChart() {
+    QFETCH(int, strip);
+    QFETCH(bool, placeless);
+    QFETCH(bool, opens);
+    Royal& fx = *fx_;
+    SetStripRecords(fx.wb->strips, {3, 5, 7});
+    const int record = 5;
+    if (placeless) fx.session.project.Events[record].DetailLevel = 2;
+    OpenStripsWindow(*fx.wb, nullptr);
+    Groups* strips = Window<Groups>("Groups");
+    QVERIFY(strips);
+    QApplication::processEvents();
+    DrawingView* view = strips->View();
+    const QRectF area(view->rect());
+    // Row 4 does not exist: aim just under the third strip, at the scale.
+    const QPointF at = strip <= 3 ? StripRowRect(area, fx.wb->strips, strip).center()
+                                  : StripRowRect(area, fx.wb->strips, 3).bottomLeft() + QPointF(area.width() / 2, 4);
+    QCOMPARE(StripRowAt(area, fx.wb->strips, at), strip <= 3 ? strip : 0);
+    fx.sink.Clear();
+    QTest::mouseDClick(view, Qt::LeftButton, {}, at.toPoint());
+    QApplication::processEvents();
+
+    ChartView* chart = Window<ChartView>("ChartView");
+    QCOMPARE(chart != nullptr, opens);
+    QCOMPARE(int(fx.sink.messages.size()), placeless ? 1 : 0);
+    if (!opens) return;
+    ChartAdjustState expected;
+    QVERIFY(RecordAdjustState(fx.session, record, expected));
+    const ChartAdjustState& radix = chart->Radix();
+    QCOMPARE(std::make_tuple(radix.Day, radix.Month, radix.Year, radix.Hour, radix.Minute),
+             std::make_tuple(expected.Day, expected.Month, expected.Year, expected.Hour, expected.Minute));
+    QCOMPARE(radix.Longitude, expected.Longitude);
+    const QString name = QString::fromStdString(fx.session.project.Events[record].Description).trimmed();
+    QVERIFY2(chart->windowTitle().contains(name), qPrintable(chart->windowTitle()));
+    QCOMPARE(QString::fromStdString(fx.session.charts.Slots[kChartRadixSlot].ChartName), name);
+    QVERIFY(testing::GrabNotBlank(chart, "group-strip-chart"));
   }
 
   void tourPicturesEveryScreen() {
