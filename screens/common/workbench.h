@@ -13,7 +13,6 @@
 #include "groups/strips.h"
 #include "places/atlas_entry.h"
 #include "rectify/rectification.h"
-#include "research/control.h"
 #include "research/criteria.h"
 #include "research/points.h"
 #include "research/selection.h"
@@ -31,13 +30,12 @@ struct Workbench {
   AtlasLookupState atlas;
   NotepadHooks notepad = SystemNotepadHooks();
   // The Research menu: the point list, the last tabulation's parameters,
-  // the criteria list, the record selection and the control data options
-  // stay as the user left them until the program ends.
+  // the criteria list and the record selection stay as the user left them
+  // until the program ends.
   ResearchState research;
   TabulateParams tabulate;
   CriteriaList criteria;
   SelectionList selection;
-  ControlOptions control;
   // The Family menu: the search points, the last search and its matches,
   // and the charts of the strips window.
   GroupSearchState group;

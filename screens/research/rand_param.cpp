@@ -26,7 +26,8 @@ namespace vintar {
 RandParam::RandParam(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb) {
   setObjectName("RandParam");
   setWindowTitle(Q(ControlCaption(wb_.session)));
-  const ControlOptions& o = wb_.control;
+  // The form opens on its defaults each time; its last inputs are not kept.
+  const ControlOptions o;
 
   auto* basisBox = new QGroupBox(tr("Data Basis"), this);
   auto* basisLayout = new QVBoxLayout(basisBox);
@@ -141,7 +142,7 @@ RandParam::RandParam(Workbench& wb, QWidget* parent) : QDialog(parent), wb_(wb) 
 }
 
 ControlOptions RandParam::Options() const {
-  ControlOptions o = wb_.control;
+  ControlOptions o;
   o.FromProject = basis_[1]->isChecked();
   o.Number = L(number_->text().trimmed());
   o.RandomDates = randDate_->isChecked() ? 1 : 2;
@@ -195,7 +196,6 @@ bool RandParam::Generate(const std::string& datPath) {
     BusyPointer busy;
     if (!GenerateControlData(s, options, datPath)) return false;
   }
-  wb_.control = options;
   // The new project takes the place of the old one.
   ProgressWindow progress(this, tr("Open Project"));
   progress.show();

@@ -12,6 +12,7 @@
 #include <functional>
 #include <string>
 
+#include "research/control.h"
 #include "screens/common/workbench.h"
 
 class QCheckBox;

@@ -282,7 +282,6 @@ class CriteriaScreensTest : public QObject {
   // Independent data: the new project is written and opened in place of the old.
   void controlDataOpensTheNewProject() {
     Opened& fx = *fx_;
-    fx.wb->control.Seed = 7;
     RandParam screen(*fx.wb, nullptr);
     screen.findChild<QLineEdit*>("Number")->setText("25");
     const std::string target = fx.TempPath("control.dat");
