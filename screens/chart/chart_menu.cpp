@@ -1,6 +1,5 @@
 #include "screens/chart/chart_menu.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QListWidget>
 
@@ -8,6 +7,7 @@
 #include "screens/chart/chart_adjust_screen.h"
 #include "screens/chart/chart_opt.h"
 #include "screens/chart/chart_view.h"
+#include "screens/common/tool_window.h"
 #include "screens/chart/keyword_edit.h"
 
 namespace vintar {
@@ -48,34 +48,29 @@ void ScreenshotTourChart(Workbench& wb, QWidget* parent,
   // The radix and the options are put back afterwards: the tour changes nothing.
   const ChartAdjustState before = radix;
 
-  auto settle = [](QWidget* w) {
-    w->show();
-    QApplication::processEvents();
-  };
 
   {
     ChartView view(wb, parent, radix);
-    view.setWindowFlag(Qt::Window);
     // Secondary progressions at the fifth event, where the list shows a choice.
     if (auto* method = view.findChild<QComboBox*>("DynMethod")) method->setCurrentIndex(kSecondary);
     if (auto* events = view.findChild<QListWidget*>("EventList"); events && events->count() > 4)
       events->setCurrentRow(4);
-    settle(&view);
+    SettleTourWindow(&view);
     shoot(&view, "chart-view");
     view.close();
 
     ChartOpt options(wb, &view, view.State().Options, view.State().DynamicType);
-    settle(&options);
+    SettleTourWindow(&options);
     shoot(&options, "chart-options");
     options.close();
 
     ChartAdjust adjust(wb, &view, radix);
-    settle(&adjust);
+    SettleTourWindow(&adjust);
     shoot(&adjust, "chart-adjust");
     adjust.hide();  // not a Quit: that would recast; the radix is put back below
 
     KeyWordEdit keywords(wb, &view);
-    settle(&keywords);
+    SettleTourWindow(&keywords);
     shoot(&keywords, "chart-keywords");
     keywords.hide();
   }

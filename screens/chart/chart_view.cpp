@@ -376,8 +376,7 @@ void ChartView::OpenAdjust() {
   Stop();
   ChartAdjust dialog(wb_, this, radix_);
   if (dialog.exec() == QDialog::Accepted) radix_ = dialog.State();
-  CastOwnRadix();
-  Recompute();
+  Recompute();  // recasts the radix
 }
 
 void ChartView::OpenOptions() {

@@ -1,6 +1,5 @@
 #include "screens/rectify/rectify_menu.h"
 
-#include <QApplication>
 #include <QTreeWidget>
 
 #include "core/project_file.h"
@@ -79,62 +78,54 @@ void ScreenshotTourRectify(Workbench& wb, QWidget* parent,
                            const std::function<void(QWidget*, const QString&)>& shoot) {
   Session& s = wb.session;
   if (!s.project.Open || !NatalCheck(s, s.project.Header)) return;
-  auto settle = [](QWidget* w) {
-    w->show();
-    QApplication::processEvents();
-  };
   // The tour leaves the rectification state as it found it.
   const Rectification before = wb.rect;
 
   {
     ValRep report(wb, parent);
-    settle(&report);
+    SettleTourWindow(&report);
     shoot(&report, "viability-report");
   }
   LoadProjectGraphSettings(wb);
   {
     Rectify graphs(wb, parent);
-    graphs.setWindowFlag(Qt::Window);
     graphs.Rebuild();
     AutoSelectAllGraphs(s, wb.rect.graphs);
     graphs.Redraw();
-    settle(&graphs);
+    SettleTourWindow(&graphs);
     shoot(&graphs, "event-graphs");
 
     RectOpt options(wb, &graphs, QString::fromLatin1(kSelectPlanetsTitle));
-    settle(&options);
+    SettleTourWindow(&options);
     shoot(&options, "graph-options");
     SelHarms harmonics(wb, &graphs);
-    settle(&harmonics);
+    SettleTourWindow(&harmonics);
     shoot(&harmonics, "harmonics");
     PeakOpt peaks(wb, &graphs);
-    settle(&peaks);
+    SettleTourWindow(&peaks);
     shoot(&peaks, "peak-options");
   }
   double candidate = -1.0;
   {
     AngleSearch angles(wb, parent);
-    angles.setWindowFlag(Qt::Window);
     angles.Scan();
-    settle(&angles);
+    SettleTourWindow(&angles);
     shoot(&angles, "angle-search");
     candidate = angles.CandidateTime(1);
   }
   {
     TransitSearch search(wb, parent, candidate);
-    search.setWindowFlag(Qt::Window);
     search.Search();
-    settle(&search);
+    SettleTourWindow(&search);
     shoot(&search, "transit-search");
     TranOpt options(wb, &search, wb.rect.search);
-    settle(&options);
+    SettleTourWindow(&options);
     shoot(&options, "search-options");
   }
   {
     RectStat autoRectify(wb, parent);
-    autoRectify.setWindowFlag(Qt::Window);
     autoRectify.Run(kAutoFromEvents);
-    settle(&autoRectify);
+    SettleTourWindow(&autoRectify);
     shoot(&autoRectify, "auto-rectify");
   }
   wb.rect = before;
